@@ -112,6 +112,7 @@ export function overviewOf(dashboard) {
   return {
     revision: dashboard.revision,
     ready: finder.ready,
+    foldersAreDefault: settings.foldersAreDefault,
     home: dashboard.home,
     folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),
     projects: joined.map(({ project, ports: own, appRunning, running }) => {
