@@ -1,0 +1,18 @@
+# Flags that every target of the project is built with, and the switches a person may set.
+
+option(HARBROOK_BENCH "Build the benchmarks" OFF)
+set(HARBROOK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(harbrook_options INTERFACE)
+target_include_directories(harbrook_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(harbrook_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
+target_compile_definitions(harbrook_options INTERFACE HARBROOK_VERSION="${PROJECT_VERSION}")
+if(HARBROOK_SANITIZE)
+  target_compile_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE})
+endif()

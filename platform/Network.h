@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/Error.h"
+#include "platform/URL.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace harbrook {
+
+enum class CachePolicy { useProtocolCachePolicy = 0 };
+
+/// Time-outs are in seconds and hold for the whole exchange.
+struct URLRequest {
+    explicit URLRequest(URL address) : url(std::move(address)) {}
+
+    URL url;
+    CachePolicy cachePolicy = CachePolicy::useProtocolCachePolicy;
+    double timeoutInterval = 60.0;
+    std::string httpMethod = "GET";
+    std::map<std::string, std::string> headerFields;
+    std::optional<std::string> httpBody;
+
+    bool operator==(const URLRequest&) const = default;
+};
+
+/// What came back besides the body. `statusCode` is absent when the answer was not HTTP.
+struct URLResponse {
+    std::optional<int> statusCode;
+    bool operator==(const URLResponse&) const = default;
+};
+
+/// One exchange, not yet begun. It goes on to its end once resumed, whether or not the object is kept.
+class URLSessionDataTask {
+public:
+    virtual ~URLSessionDataTask() = default;
+    virtual void resume() = 0;
+};
+
+/// The shared session. It uses no proxy for loopback addresses.
+class URLSession {
+public:
+    /// Body, response, error. The body is present exactly when the exchange came to its end.
+    using CompletionHandler =
+        std::function<void(std::optional<std::string>, std::optional<URLResponse>, std::optional<Error>)>;
+
+    virtual ~URLSession() = default;
+
+    /// Makes a task for `request`. Any thread. `completionHandler` is called exactly once after `resume`, on
+    /// the session's own background queue, never on the main thread.
+    [[nodiscard]] virtual std::shared_ptr<URLSessionDataTask> dataTaskWithRequest(
+        URLRequest request, CompletionHandler completionHandler) = 0;
+};
+
+} // namespace harbrook

@@ -1,0 +1,40 @@
+#include "platform/gtk/NotificationCenter.h"
+
+#include "platform/View.h"
+#include "platform/Window.h"
+
+namespace harbrook::gtk {
+
+namespace {
+
+class Token final : public ObserverToken {};
+
+} // namespace
+
+std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
+    NotificationName name, const std::shared_ptr<View>& object, ObserverQueue /*queue*/,
+    std::function<void()> block) {
+    return add(name, object.get(), std::move(block));
+}
+
+std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
+    NotificationName name, const std::shared_ptr<Window>& object, ObserverQueue /*queue*/,
+    std::function<void()> block) {
+    return add(name, object.get(), std::move(block));
+}
+
+std::shared_ptr<ObserverToken> NotificationCenter::add(
+    NotificationName name, const void* object, std::function<void()> block) {
+    observers_.push_back(std::make_shared<const Observer>(Observer{name, object, std::move(block)}));
+    return std::make_shared<Token>();
+}
+
+void NotificationCenter::post(NotificationName name, const void* object) {
+    // A block may register further observers; they hear of the next notification.
+    const auto observers = observers_;
+    for (const auto& observer : observers) {
+        if (observer->name == name && observer->object == object) observer->block();
+    }
+}
+
+} // namespace harbrook::gtk
