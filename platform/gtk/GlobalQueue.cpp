@@ -119,7 +119,8 @@ public:
     }
 
     void run() {
-        while (Block block = next()) block();
+        while (Block block = next())
+            block();
     }
 
 private:

@@ -26,7 +26,8 @@ bool isRedirection(guint status) {
 } // namespace
 
 HTTPExchange::HTTPExchange(URLRequest request, std::function<void(Outcome)> deliver)
-    : request_(std::move(request)), deliver_(std::move(deliver)),
+    : request_(std::move(request)),
+      deliver_(std::move(deliver)),
       cancellable_(GObjectPtr<GCancellable>::adopt(g_cancellable_new())) {}
 
 void HTTPExchange::start(SoupSession* session) {
@@ -123,8 +124,8 @@ HTTPExchange::URI HTTPExchange::redirection() const {
 void HTTPExchange::adaptRequestToRedirection() {
     const guint status = soup_message_get_status(message_.get());
     const bool asksForAnotherPage = status == SOUP_STATUS_SEE_OTHER;
-    const bool movedAfterPost =
-        (status == SOUP_STATUS_MOVED_PERMANENTLY || status == SOUP_STATUS_FOUND) && request_.httpMethod == "POST";
+    const bool movedAfterPost = (status == SOUP_STATUS_MOVED_PERMANENTLY || status == SOUP_STATUS_FOUND) &&
+                                request_.httpMethod == "POST";
     if (!asksForAnotherPage && !movedAfterPost) return;
     if (request_.httpMethod != "HEAD") request_.httpMethod = "GET";
     request_.httpBody.reset();

@@ -68,7 +68,8 @@ private:
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
     std::vector<char*> pointers;
     pointers.reserve(strings.size() + 1);
-    for (std::string& string : strings) pointers.push_back(string.data());
+    for (std::string& string : strings)
+        pointers.push_back(string.data());
     pointers.push_back(nullptr);
     return pointers;
 }
@@ -97,7 +98,8 @@ std::variant<pid_t, Error> spawn(const LaunchPlan& plan) {
     words.insert(words.end(), plan.arguments.begin(), plan.arguments.end());
     std::vector<std::string> variables;
     variables.reserve(plan.environment.size());
-    for (const auto& [name, value] : plan.environment) variables.push_back(name + "=" + value);
+    for (const auto& [name, value] : plan.environment)
+        variables.push_back(name + "=" + value);
 
     FileActions actions;
     const Attributes attributes;

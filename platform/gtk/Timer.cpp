@@ -20,8 +20,10 @@ struct Timer::Source {
 };
 
 Timer::Timer(double seconds, bool repeats, Block block)
-    : interval_(std::max(delayOf(seconds), shortestInterval)), repeats_(repeats),
-      next_(Clock::now() + interval_), block_(std::make_shared<const Block>(std::move(block))) {
+    : interval_(std::max(delayOf(seconds), shortestInterval)),
+      repeats_(repeats),
+      next_(Clock::now() + interval_),
+      block_(std::make_shared<const Block>(std::move(block))) {
     static GSourceFuncs functions{nullptr, nullptr, Source::dispatch, nullptr, nullptr, nullptr};
     source_.reset(g_source_new(&functions, sizeof(Source)));
     reinterpret_cast<Source*>(source_.get())->timer = this;

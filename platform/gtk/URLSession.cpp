@@ -33,12 +33,11 @@ public:
         : context_(g_main_context_new()), queue_(context_.get()), completions_(queue) {}
 
     void start(URLRequest request, CompletionHandler completionHandler) {
-        std::call_once(started_, [this] {
-            startThread("url session", [self = shared_from_this()] { self->run(); });
-        });
+        std::call_once(
+            started_, [this] { startThread("url session", [self = shared_from_this()] { self->run(); }); });
         const double timeout = request.timeoutInterval;
-        auto deliver = [self = shared_from_this(), handler = std::move(completionHandler)](
-                           HTTPExchange::Outcome outcome) {
+        auto deliver = [self = shared_from_this(),
+                        handler = std::move(completionHandler)](HTTPExchange::Outcome outcome) {
             self->completions_.async([handler, outcome = std::move(outcome)] {
                 handler(outcome.body, outcome.response, outcome.error);
             });
@@ -54,7 +53,8 @@ private:
     void run() noexcept {
         g_main_context_push_thread_default(context_.get());
         session_ = makeSession();
-        for (;;) g_main_context_iteration(context_.get(), TRUE);
+        for (;;)
+            g_main_context_iteration(context_.get(), TRUE);
     }
 
     std::unique_ptr<GMainContext, FreeWith<g_main_context_unref>> context_;
@@ -68,7 +68,8 @@ private:
 class URLSession::DataTask final : public URLSessionDataTask {
 public:
     DataTask(std::shared_ptr<Network> network, URLRequest request, CompletionHandler completionHandler)
-        : network_(std::move(network)), request_(std::move(request)),
+        : network_(std::move(network)),
+          request_(std::move(request)),
           completionHandler_(std::move(completionHandler)) {}
 
     void resume() override {
