@@ -1,6 +1,7 @@
 // The methods and properties of com.canonical.dbusmenu: arguments in, answers out.
 
 #include "platform/gtk/DBusMenu.h"
+#include "platform/gtk/DBusMenuInterface.h"
 #include "platform/gtk/MenuVariant.h"
 
 #include <array>
@@ -8,64 +9,6 @@
 namespace harbrook::gtk {
 
 namespace {
-
-constexpr const char* introspection = R"(
-<node>
-  <interface name="com.canonical.dbusmenu">
-    <property name="Version" type="u" access="read"/>
-    <property name="Status" type="s" access="read"/>
-    <property name="TextDirection" type="s" access="read"/>
-    <property name="IconThemePath" type="as" access="read"/>
-    <method name="GetLayout">
-      <arg name="parentId" type="i" direction="in"/>
-      <arg name="recursionDepth" type="i" direction="in"/>
-      <arg name="propertyNames" type="as" direction="in"/>
-      <arg name="revision" type="u" direction="out"/>
-      <arg name="layout" type="(ia{sv}av)" direction="out"/>
-    </method>
-    <method name="GetGroupProperties">
-      <arg name="ids" type="ai" direction="in"/>
-      <arg name="propertyNames" type="as" direction="in"/>
-      <arg name="properties" type="a(ia{sv})" direction="out"/>
-    </method>
-    <method name="GetProperty">
-      <arg name="id" type="i" direction="in"/>
-      <arg name="name" type="s" direction="in"/>
-      <arg name="value" type="v" direction="out"/>
-    </method>
-    <method name="Event">
-      <arg name="id" type="i" direction="in"/>
-      <arg name="eventId" type="s" direction="in"/>
-      <arg name="data" type="v" direction="in"/>
-      <arg name="timestamp" type="u" direction="in"/>
-    </method>
-    <method name="EventGroup">
-      <arg name="events" type="a(isvu)" direction="in"/>
-      <arg name="idErrors" type="ai" direction="out"/>
-    </method>
-    <method name="AboutToShow">
-      <arg name="id" type="i" direction="in"/>
-      <arg name="needUpdate" type="b" direction="out"/>
-    </method>
-    <method name="AboutToShowGroup">
-      <arg name="ids" type="ai" direction="in"/>
-      <arg name="updatesNeeded" type="ai" direction="out"/>
-      <arg name="idErrors" type="ai" direction="out"/>
-    </method>
-    <signal name="ItemsPropertiesUpdated">
-      <arg name="updatedProps" type="a(ia{sv})"/>
-      <arg name="removedProps" type="a(ias)"/>
-    </signal>
-    <signal name="LayoutUpdated">
-      <arg name="revision" type="u"/>
-      <arg name="parent" type="i"/>
-    </signal>
-    <signal name="ItemActivationRequested">
-      <arg name="id" type="i"/>
-      <arg name="timestamp" type="u"/>
-    </signal>
-  </interface>
-</node>)";
 
 constexpr std::uint32_t protocolVersion = 3;
 
@@ -91,14 +34,13 @@ std::vector<std::int32_t> ids(GVariant* array) {
 }
 
 GVariant* idArray(const std::vector<std::int32_t>& ids) {
-    return g_variant_new_fixed_array(
-        G_VARIANT_TYPE_INT32, ids.data(), ids.size(), sizeof(std::int32_t));
+    return g_variant_new_fixed_array(G_VARIANT_TYPE_INT32, ids.data(), ids.size(), sizeof(std::int32_t));
 }
 
 } // namespace
 
 void DBusMenu::exportOn(GObjectPtr<GDBusConnection> connection, const std::string& path) {
-    object_ = std::make_unique<DBusObject>(std::move(connection), path, introspection, *this);
+    object_ = std::make_unique<DBusObject>(std::move(connection), path, dbusMenuInterface, *this);
 }
 
 GVariant* DBusMenu::property(std::string_view name) {
@@ -156,7 +98,8 @@ void DBusMenu::getGroupProperties(GVariant* arguments, Invocation invocation) {
     }
     // No ids stand for all of them.
     if (wanted.empty()) {
-        for (const auto& row : published_->rows()) add(row);
+        for (const auto& row : published_->rows())
+            add(row);
     }
     returnValue(std::move(invocation), g_variant_new("(a(ia{sv}))", &answer));
 }
@@ -167,8 +110,7 @@ void DBusMenu::getProperty(GVariant* arguments, Invocation invocation) {
     g_variant_get(arguments, "(i&s)", &id, &name);
     const auto index = published_->indexOf(id);
     if (!index) return returnInvalidArguments(std::move(invocation), unknownRow(id));
-    const GVariantPtr properties(
-        g_variant_ref_sink(menuProperties(published_->rows()[*index].item, {name})));
+    const GVariantPtr properties(g_variant_ref_sink(menuProperties(published_->rows()[*index].item, {name})));
     GVariantPtr value(g_variant_lookup_value(properties.get(), name, nullptr));
     if (!value) value.reset(menuPropertyDefault(name));
     if (!value) {
@@ -207,7 +149,8 @@ void DBusMenu::eventGroup(GVariant* arguments, Invocation invocation) {
         }
     }
     returnValue(std::move(invocation), g_variant_new("(@ai)", idArray(unknown)));
-    for (const auto& [id, event] : events) hostSent(id, event);
+    for (const auto& [id, event] : events)
+        hostSent(id, event);
 }
 
 void DBusMenu::aboutToShow(GVariant* arguments, Invocation invocation) {

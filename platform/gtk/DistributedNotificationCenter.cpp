@@ -28,7 +28,8 @@ struct DistributedNotificationCenter::Subscriptions {
     std::vector<guint> ids;
 
     ~Subscriptions() {
-        for (const auto id : ids) g_dbus_connection_signal_unsubscribe(connection.get(), id);
+        for (const auto id : ids)
+            g_dbus_connection_signal_unsubscribe(connection.get(), id);
     }
 
     void add(const std::string& name, const std::shared_ptr<Block>& block) {

@@ -32,7 +32,8 @@ void addToPath(cairo_t* context, const BezierPath& path) {
             cairo_restore(context);
         },
     };
-    for (const auto& element : path.elements) std::visit(add, element);
+    for (const auto& element : path.elements)
+        std::visit(add, element);
 }
 
 void setColor(cairo_t* context, const SRGBColor& color) {
@@ -57,7 +58,8 @@ void carryOut(cairo_t* context, const Drawing& drawing) {
             cairo_stroke(context);
         },
     };
-    for (const auto& element : drawing.steps) std::visit(step, element);
+    for (const auto& element : drawing.steps)
+        std::visit(step, element);
 }
 
 TexturePtr loadTexture(const std::filesystem::path& path) {

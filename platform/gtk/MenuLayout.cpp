@@ -47,7 +47,7 @@ public:
         layout.rows_.front().end = layout.rows_.size();
         indexRows();
         if (structureChanged_) retireRows();
-        update_.kind = structureChanged_          ? MenuUpdate::Kind::layout
+        update_.kind = structureChanged_         ? MenuUpdate::Kind::layout
                        : update_.changed.empty() ? MenuUpdate::Kind::nothing
                                                  : MenuUpdate::Kind::properties;
         return std::move(update_);
@@ -55,11 +55,12 @@ public:
 
 private:
     void addChildren(std::optional<std::size_t> publishedParent, const std::vector<MenuItem>& items) {
-        const auto before = publishedParent ? published_.childrenOf(*publishedParent)
-                                            : std::vector<std::size_t>();
+        const auto before =
+            publishedParent ? published_.childrenOf(*publishedParent) : std::vector<std::size_t>();
         std::vector<const MenuItem*> publishedItems;
         publishedItems.reserve(before.size());
-        for (const auto index : before) publishedItems.push_back(published_.rows()[index].item);
+        for (const auto index : before)
+            publishedItems.push_back(published_.rows()[index].item);
 
         const auto matches = matchRows(publishedItems, items);
         if (before.size() != items.size()) structureChanged_ = true;
@@ -94,7 +95,8 @@ private:
     void indexRows() {
         auto& layout = update_.layout;
         std::int32_t highest = 0;
-        for (const auto& row : layout.rows_) highest = std::max(highest, row.id);
+        for (const auto& row : layout.rows_)
+            highest = std::max(highest, row.id);
         layout.indexById_.assign(static_cast<std::size_t>(highest) + 1, 0);
         for (std::size_t i = 1; i < layout.rows_.size(); ++i) {
             layout.indexById_[static_cast<std::size_t>(layout.rows_[i].id)] = static_cast<std::uint32_t>(i);

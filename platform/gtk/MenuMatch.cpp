@@ -72,7 +72,8 @@ public:
 
     /// The row added last is taken first.
     void add(const MenuItem& item, std::size_t index) {
-        for (auto& key : keys(item)) byKey_[std::move(key)].push_back(index);
+        for (auto& key : keys(item))
+            byKey_[std::move(key)].push_back(index);
     }
 
     std::optional<std::size_t> take(const MenuItem& item) {
@@ -80,7 +81,8 @@ public:
             const auto found = byKey_.find(key);
             if (found == byKey_.end()) continue;
             auto& indices = found->second;
-            while (!indices.empty() && taken_[indices.back()]) indices.pop_back();
+            while (!indices.empty() && taken_[indices.back()])
+                indices.pop_back();
             if (indices.empty()) continue;
             taken_[indices.back()] = true;
             return indices.back();
@@ -102,7 +104,8 @@ std::vector<std::optional<std::size_t>> matchRows(
 
     // Most updates change a row or two, so most rows are found in their places, from either end.
     std::size_t start = 0;
-    for (; start < shorter && continues(*before[start], now[start]); ++start) matches[start] = start;
+    for (; start < shorter && continues(*before[start], now[start]); ++start)
+        matches[start] = start;
     auto endBefore = before.size();
     auto endNow = now.size();
     while (endBefore > start && endNow > start && continues(*before[endBefore - 1], now[endNow - 1])) {
@@ -111,8 +114,10 @@ std::vector<std::optional<std::size_t>> matchRows(
 
     if (start == endBefore || start == endNow) return matches;
     Remaining remaining(before.size());
-    for (auto i = endBefore; i > start; --i) remaining.add(*before[i - 1], i - 1);
-    for (auto i = start; i < endNow; ++i) matches[i] = remaining.take(now[i]);
+    for (auto i = endBefore; i > start; --i)
+        remaining.add(*before[i - 1], i - 1);
+    for (auto i = start; i < endNow; ++i)
+        matches[i] = remaining.take(now[i]);
     return matches;
 }
 

@@ -48,7 +48,8 @@ GVariant* shortcut(const MenuItem& item) {
 std::string menuLabel(const std::string& title) {
     std::string label;
     label.reserve(title.size());
-    for (const char c : title) label.append(c == '_' ? 2 : 1, c);
+    for (const char c : title)
+        label.append(c == '_' ? 2 : 1, c);
     return label;
 }
 

@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-// The published menu in the words of com.canonical.dbusmenu. Any thread. The variants are floating references.
+// The published menu in the words of com.canonical.dbusmenu. Any thread. The variants are floating
+// references.
 
 namespace harbrook::gtk {
 

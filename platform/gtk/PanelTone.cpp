@@ -27,15 +27,15 @@ std::uint32_t unwrappedNumber(GVariant* value) {
 
 struct PanelToneWatch::Callbacks {
     static void appeared(
-        GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/, gpointer self) noexcept {
+        GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/,
+        gpointer self) noexcept {
         static_cast<PanelToneWatch*>(self)->ask();
     }
 
     static void answered(GObject* source, GAsyncResult* result, gpointer data) noexcept {
         using Weak = std::weak_ptr<PanelToneWatch>;
         const std::unique_ptr<Weak> weak(static_cast<Weak*>(data));
-        const GVariantPtr answer(
-            g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr));
+        const GVariantPtr answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr));
         const auto self = weak->lock();
         if (!self || !answer) return;
         const GVariantPtr value(g_variant_get_child_value(answer.get(), 0));

@@ -21,8 +21,7 @@ void withSessionBus(Ready ready) {
         ready(GObjectPtr<GDBusConnection>::share(connection));
         return;
     }
-    g_bus_get(
-        G_BUS_TYPE_SESSION, nullptr, onConnected, std::make_unique<Ready>(std::move(ready)).release());
+    g_bus_get(G_BUS_TYPE_SESSION, nullptr, onConnected, std::make_unique<Ready>(std::move(ready)).release());
 }
 
 } // namespace harbrook::gtk

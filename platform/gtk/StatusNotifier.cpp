@@ -27,8 +27,7 @@ GVariant* pixmapArray(const std::vector<Pixmap>& pixmaps) {
 }
 
 GVariant* tooltip(const std::string& title, const std::string& text) {
-    GVariant* parts[] = {
-        g_variant_new_string(""), pixmapArray({}), textVariant(title), textVariant(text)};
+    GVariant* parts[] = {g_variant_new_string(""), pixmapArray({}), textVariant(title), textVariant(text)};
     return g_variant_new_tuple(parts, G_N_ELEMENTS(parts));
 }
 
@@ -37,7 +36,8 @@ GVariant* tooltip(const std::string& title, const std::string& text) {
 /// Where the bus calls back. What may come after the item has gone holds it weakly.
 struct StatusNotifier::Callbacks {
     static void appeared(
-        GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/, gpointer self) noexcept {
+        GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/,
+        gpointer self) noexcept {
         static_cast<StatusNotifier*>(self)->watcherAppeared();
     }
 
@@ -48,8 +48,7 @@ struct StatusNotifier::Callbacks {
     static void registered(GObject* source, GAsyncResult* result, gpointer data) noexcept {
         using Weak = std::weak_ptr<StatusNotifier>;
         const std::unique_ptr<Weak> weak(static_cast<Weak*>(data));
-        const GVariantPtr answer(
-            g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr));
+        const GVariantPtr answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr));
         const auto self = weak->lock();
         if (self && !answer) self->registrationFailed();
     }

@@ -3,7 +3,7 @@
 namespace harbrook::gtk {
 
 /// org.kde.StatusNotifierItem with the label of the Ayatana indicators.
-inline constexpr const char* statusNotifierInterface = R"(
+inline constexpr const char* statusNotifierInterface = R"xml(
 <node>
   <interface name="org.kde.StatusNotifierItem">
     <property name="Category" type="s" access="read"/>
@@ -55,6 +55,6 @@ inline constexpr const char* statusNotifierInterface = R"(
       <arg name="guide" type="s"/>
     </signal>
   </interface>
-</node>)";
+</node>)xml";
 
 } // namespace harbrook::gtk

@@ -102,7 +102,8 @@ Pixmap pixmapFromSurface(cairo_surface_t* surface, int side) {
     const auto* data = cairo_image_surface_get_data(surface);
     const auto stride = cairo_image_surface_get_stride(surface);
     for (int y = 0; y < side; ++y) {
-        const auto* row = reinterpret_cast<const std::uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride);
+        const auto* row =
+            reinterpret_cast<const std::uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride);
         for (int x = 0; x < side; ++x) {
             const auto alpha = row[x] >> 24;
             pixmap.argb.push_back(static_cast<std::uint8_t>(alpha));

@@ -31,7 +31,6 @@ struct Pixmap {
     const Image& image, const std::string& badge, PanelTone tone, int side);
 
 /// `renderStatusIcon` at every size that panels show at scales 1 and 2, smallest first.
-[[nodiscard]] std::vector<Pixmap> statusPixmaps(
-    const Image& image, const std::string& badge, PanelTone tone);
+[[nodiscard]] std::vector<Pixmap> statusPixmaps(const Image& image, const std::string& badge, PanelTone tone);
 
 } // namespace harbrook::gtk

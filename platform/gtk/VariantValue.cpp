@@ -36,26 +36,38 @@ bool isDictionary(GVariant* variant) {
 
 Value valueFromVariant(GVariant* variant) {
     switch (g_variant_classify(variant)) {
-    case G_VARIANT_CLASS_BOOLEAN: return g_variant_get_boolean(variant) != 0;
-    case G_VARIANT_CLASS_BYTE: return static_cast<double>(g_variant_get_byte(variant));
-    case G_VARIANT_CLASS_INT16: return static_cast<double>(g_variant_get_int16(variant));
-    case G_VARIANT_CLASS_UINT16: return static_cast<double>(g_variant_get_uint16(variant));
-    case G_VARIANT_CLASS_INT32: return static_cast<double>(g_variant_get_int32(variant));
-    case G_VARIANT_CLASS_UINT32: return static_cast<double>(g_variant_get_uint32(variant));
-    case G_VARIANT_CLASS_INT64: return static_cast<double>(g_variant_get_int64(variant));
-    case G_VARIANT_CLASS_UINT64: return static_cast<double>(g_variant_get_uint64(variant));
-    case G_VARIANT_CLASS_DOUBLE: return g_variant_get_double(variant);
+    case G_VARIANT_CLASS_BOOLEAN:
+        return g_variant_get_boolean(variant) != 0;
+    case G_VARIANT_CLASS_BYTE:
+        return static_cast<double>(g_variant_get_byte(variant));
+    case G_VARIANT_CLASS_INT16:
+        return static_cast<double>(g_variant_get_int16(variant));
+    case G_VARIANT_CLASS_UINT16:
+        return static_cast<double>(g_variant_get_uint16(variant));
+    case G_VARIANT_CLASS_INT32:
+        return static_cast<double>(g_variant_get_int32(variant));
+    case G_VARIANT_CLASS_UINT32:
+        return static_cast<double>(g_variant_get_uint32(variant));
+    case G_VARIANT_CLASS_INT64:
+        return static_cast<double>(g_variant_get_int64(variant));
+    case G_VARIANT_CLASS_UINT64:
+        return static_cast<double>(g_variant_get_uint64(variant));
+    case G_VARIANT_CLASS_DOUBLE:
+        return g_variant_get_double(variant);
     case G_VARIANT_CLASS_STRING:
     case G_VARIANT_CLASS_OBJECT_PATH:
-    case G_VARIANT_CLASS_SIGNATURE: return g_variant_get_string(variant, nullptr);
+    case G_VARIANT_CLASS_SIGNATURE:
+        return g_variant_get_string(variant, nullptr);
     case G_VARIANT_CLASS_VARIANT: {
         const GVariantPtr inner(g_variant_get_variant(variant));
         return valueFromVariant(inner.get());
     }
     case G_VARIANT_CLASS_ARRAY:
         return isDictionary(variant) ? dictionaryFromVariant(variant) : arrayFromVariant(variant);
-    case G_VARIANT_CLASS_TUPLE: return arrayFromVariant(variant);
-    default: return {};
+    case G_VARIANT_CLASS_TUPLE:
+        return arrayFromVariant(variant);
+    default:
+        return {};
     }
 }
 
