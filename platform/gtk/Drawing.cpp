@@ -1,14 +1,12 @@
 #include "platform/gtk/Drawing.h"
 
-#include <gdk/gdk.h>
+#include "platform/gtk/Images.h"
 
 #include <numbers>
 
 namespace harbrook::gtk {
 
 namespace {
-
-using TexturePtr = GObjectPtr<GdkTexture>;
 
 template <typename... Ts>
 struct Overloaded : Ts... {
@@ -62,21 +60,6 @@ void carryOut(cairo_t* context, const Drawing& drawing) {
         std::visit(step, element);
 }
 
-TexturePtr loadTexture(const std::filesystem::path& path) {
-    return TexturePtr::adopt(gdk_texture_new_from_filename(path.c_str(), nullptr));
-}
-
-/// The file that shows sharpest at `side` pixels.
-TexturePtr loadSharpest(const std::filesystem::path& path, int side) {
-    auto texture = loadTexture(path);
-    constexpr std::string_view suffix = "@2x";
-    auto name = path.stem().string();
-    if (!texture || gdk_texture_get_width(texture.get()) >= side || !name.ends_with(suffix)) return texture;
-    name.replace(name.size() - suffix.size(), suffix.size(), "@4x");
-    auto sharper = loadTexture(path.parent_path() / (name + path.extension().string()));
-    return sharper ? sharper : texture;
-}
-
 void paintTexture(cairo_t* context, GdkTexture* texture, int side) {
     const auto width = gdk_texture_get_width(texture);
     const auto height = gdk_texture_get_height(texture);
@@ -93,15 +76,6 @@ void paintTexture(cairo_t* context, GdkTexture* texture, int side) {
 
 } // namespace
 
-std::optional<Image> imageWithContentsOfURL(const std::filesystem::path& path) {
-    const auto texture = loadTexture(path);
-    if (!texture) return std::nullopt;
-    const Size size = {
-        static_cast<double>(gdk_texture_get_width(texture.get())),
-        static_cast<double>(gdk_texture_get_height(texture.get()))};
-    return Image{size, false, path};
-}
-
 CairoSurfacePtr makeSurface(int width, int height) {
     return CairoSurfacePtr(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
 }
@@ -110,7 +84,7 @@ CairoSurfacePtr renderImage(const Image& image, int side) {
     auto surface = makeSurface(side, side);
     const CairoPtr context(cairo_create(surface.get()));
     if (const auto* path = std::get_if<std::filesystem::path>(&image.source)) {
-        if (const auto texture = loadSharpest(*path, side)) paintTexture(context.get(), texture.get(), side);
+        if (const auto texture = loadTexture(*path, side)) paintTexture(context.get(), texture.get(), side);
         return surface;
     }
     const auto& drawing = std::get<Drawing>(image.source);
