@@ -17,7 +17,8 @@ bool isBelow(const std::filesystem::path& path, const std::filesystem::path& dir
 
 class FileManager::WritingHandle final : public FileHandle {
 public:
-    WritingHandle(WorldPtr world, std::shared_ptr<Node> node) : world_(std::move(world)), node_(std::move(node)) {}
+    WritingHandle(WorldPtr world, std::shared_ptr<Node> node)
+        : world_(std::move(world)), node_(std::move(node)) {}
 
     std::string availableData() override { throw Refused("a handle for writing was read"); }
     std::string readDataToEndOfFile() override { throw Refused("a handle for writing was read"); }
@@ -89,7 +90,7 @@ bool FileManager::createFileAtPath(const std::filesystem::path& path) {
 }
 
 bool FileManager::writeAtomically(std::string_view text, const std::filesystem::path& path) {
-    world_->note("files writeAtomically: " + quoted(text) + " to " + path.string());
+    world_->note("files writeAtomically: " + inQuotes(text) + " to " + path.string());
     if (!canHold(path)) return false;
     nodes_[path] = std::make_shared<Node>(Node{false, false, std::string(text)});
     return true;

@@ -16,7 +16,7 @@ std::string hexByte(double component) {
     return {digits[byte >> 4 & 15], digits[byte & 15]};
 }
 
-std::string format(const SRGBColor& color) {
+std::string hexColor(const SRGBColor& color) {
     auto text = "#" + hexByte(color.red) + hexByte(color.green) + hexByte(color.blue);
     if (color.alpha != 1) text += " alpha " + format(color.alpha);
     return text;
@@ -24,7 +24,7 @@ std::string format(const SRGBColor& color) {
 
 } // namespace
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     std::string result = "\"";
     for (const char character : text) {
         if (character == '\n') {
@@ -60,10 +60,10 @@ std::string format(Rect rect) {
 }
 
 std::string format(const Color& color) {
-    if (const auto* fixed = std::get_if<SRGBColor>(&color.source())) return format(*fixed);
+    if (const auto* fixed = std::get_if<SRGBColor>(&color.source())) return hexColor(*fixed);
     if (const auto* provider = std::get_if<Color::DynamicProvider>(&color.source())) {
-        return format((*provider)(Appearance::light())) + " in light, " +
-            format((*provider)(Appearance::dark())) + " in dark";
+        return hexColor((*provider)(Appearance::light())) + " in light, " +
+               hexColor((*provider)(Appearance::dark())) + " in dark";
     }
     return "secondaryLabelColor";
 }
@@ -75,20 +75,25 @@ std::string format(Font font) {
 std::string format(const Image& image) {
     const auto* file = std::get_if<std::filesystem::path>(&image.source);
     return (file ? file->filename().string() : std::string("drawing")) + " " + format(image.size) +
-        (image.isTemplate ? " template" : "");
+           (image.isTemplate ? " template" : "");
 }
 
 std::string format(NotificationName name) {
     switch (name) {
-    case NotificationName::NSViewFrameDidChangeNotification: return "NSViewFrameDidChangeNotification";
-    case NotificationName::NSWindowDidResizeNotification: return "NSWindowDidResizeNotification";
+    case NotificationName::NSViewFrameDidChangeNotification:
+        return "NSViewFrameDidChangeNotification";
+    case NotificationName::NSWindowDidResizeNotification:
+        return "NSWindowDidResizeNotification";
     case NotificationName::NSWindowDidEndLiveResizeNotification:
         return "NSWindowDidEndLiveResizeNotification";
-    case NotificationName::NSWindowDidBecomeKeyNotification: return "NSWindowDidBecomeKeyNotification";
-    case NotificationName::NSWindowDidResignKeyNotification: return "NSWindowDidResignKeyNotification";
+    case NotificationName::NSWindowDidBecomeKeyNotification:
+        return "NSWindowDidBecomeKeyNotification";
+    case NotificationName::NSWindowDidResignKeyNotification:
+        return "NSWindowDidResignKeyNotification";
     case NotificationName::NSWindowDidDeminiaturizeNotification:
         return "NSWindowDidDeminiaturizeNotification";
-    case NotificationName::NSWindowDidChangeScreenNotification: return "NSWindowDidChangeScreenNotification";
+    case NotificationName::NSWindowDidChangeScreenNotification:
+        return "NSWindowDidChangeScreenNotification";
     case NotificationName::NSWindowWillEnterFullScreenNotification:
         return "NSWindowWillEnterFullScreenNotification";
     case NotificationName::NSWindowDidExitFullScreenNotification:

@@ -15,7 +15,7 @@ namespace harbrook::recording {
 // How arguments are written in the operation log.
 
 /// In double quotes; line feeds, quotes and backslashes escaped.
-[[nodiscard]] std::string quoted(std::string_view text);
+[[nodiscard]] std::string inQuotes(std::string_view text);
 /// As short as it can be written: `52`, `0.5`.
 [[nodiscard]] std::string format(double number);
 [[nodiscard]] std::string format(bool flag);

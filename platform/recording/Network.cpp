@@ -7,7 +7,10 @@ namespace harbrook::recording {
 
 Exchange::Exchange(
     WorldPtr world, URLSession& session, URLRequest request, harbrook::URLSession::CompletionHandler handler)
-    : world_(std::move(world)), session_(session), request_(std::move(request)), handler_(std::move(handler)) {}
+    : world_(std::move(world)),
+      session_(session),
+      request_(std::move(request)),
+      handler_(std::move(handler)) {}
 
 void Exchange::resume() {
     refuseIf(resumed_, "a data task was resumed twice");
@@ -41,7 +44,7 @@ void Exchange::complete(Body body, std::optional<URLResponse> response, std::opt
     world_->scheduler.addWorker(
         "session " + std::to_string(++session_.answers_),
         [handler = std::exchange(handler_, {}), body = std::move(body), response = std::move(response),
-            error = std::move(error)] { handler(body, response, error); });
+         error = std::move(error)] { handler(body, response, error); });
 }
 
 std::shared_ptr<URLSessionDataTask> URLSession::dataTaskWithRequest(

@@ -11,13 +11,16 @@
 
 namespace harbrook::recording {
 
+class URLSession;
+
 /// One exchange, in the hands of the test once it was resumed. What it is answered with reaches the shell on
 /// a worker called "session 1", "session 2" and so on, in the order of the answers.
 class Exchange final : public URLSessionDataTask, public std::enable_shared_from_this<Exchange> {
 public:
     using Body = std::optional<std::string>;
 
-    Exchange(WorldPtr world, class URLSession& session, URLRequest request,
+    Exchange(
+        WorldPtr world, URLSession& session, URLRequest request,
         harbrook::URLSession::CompletionHandler handler);
 
     void resume() override;
@@ -36,7 +39,7 @@ private:
     void complete(Body body, std::optional<URLResponse> response, std::optional<Error> error);
 
     WorldPtr world_;
-    class URLSession& session_;
+    URLSession& session_;
     URLRequest request_;
     harbrook::URLSession::CompletionHandler handler_;
     bool resumed_ = false;

@@ -33,8 +33,9 @@ private:
         std::function<void()> block;
     };
 
-    std::shared_ptr<ObserverToken> add(NotificationName name, const void* object, const std::string& objectName,
-        ObserverQueue queue, std::function<void()> block);
+    std::shared_ptr<ObserverToken> add(
+        NotificationName name, const void* object, const std::string& objectName, ObserverQueue queue,
+        std::function<void()> block);
 
     WorldPtr world_;
     std::vector<std::shared_ptr<const Observer>> observers_;
@@ -44,8 +45,7 @@ class DistributedNotificationCenter final : public harbrook::DistributedNotifica
 public:
     explicit DistributedNotificationCenter(WorldPtr world) : world_(std::move(world)) {}
 
-    void addObserverForName(
-        const std::string& name, std::function<void(const UserInfo&)> block) override;
+    void addObserverForName(const std::string& name, std::function<void(const UserInfo&)> block) override;
 
     /// Another program posts a notification. It is delivered with the main queue.
     void simulateNotification(const std::string& name, UserInfo userInfo);

@@ -29,7 +29,8 @@ void Child::begin() {
             output.after, [self = shared_from_this(), text = output.text] { self->printError(text); });
     }
     if (program_.exitsAfter) {
-        world_->scheduler.addOutsideEvent(*program_.exitsAfter, [self = shared_from_this()] { self->exit(); });
+        world_->scheduler.addOutsideEvent(
+            *program_.exitsAfter, [self = shared_from_this()] { self->exit(); });
     }
 }
 
@@ -50,6 +51,12 @@ void Child::exit() {
     if (!std::exchange(running_, false)) return;
     if (outputPipe_) outputPipe_->removeWriter();
     if (errorPipe_) errorPipe_->removeWriter();
+    errorHandle_ = {};
+}
+
+void Child::forgetStreams() {
+    outputPipe_ = {};
+    errorPipe_ = {};
     errorHandle_ = {};
 }
 
@@ -110,7 +117,8 @@ void Task::setStandardError(std::shared_ptr<FileHandle> handle) {
 std::optional<Error> Task::launchAndReturnError() {
     requireNotLaunched("launch");
     std::string line = "task launch: " + executable_.string();
-    for (const auto& argument : arguments_) line += " " + quoted(argument);
+    for (const auto& argument : arguments_)
+        line += " " + inQuotes(argument);
     world_->note(std::move(line));
     const auto program = processes_.programs.find(executable_);
     if (program == processes_.programs.end()) return Error{"The file doesn’t exist."};

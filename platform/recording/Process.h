@@ -50,6 +50,8 @@ public:
     [[nodiscard]] int terminateRequests() const { return terminateRequests_; }
     /// Whether its standard input is a pipe that the shell still holds open.
     [[nodiscard]] bool standardInputIsOpen() const { return !standardInput_.expired(); }
+    /// Lets go of its ends of the streams without telling anybody.
+    void forgetStreams();
     [[nodiscard]] bool hasErrorStream() const { return errorPipe_ || errorHandle_; }
 
 private:

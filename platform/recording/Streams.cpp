@@ -109,7 +109,8 @@ void Stream::callHandler() {
 
 Pipe::Pipe(WorldPtr world, std::string name)
     : stream_(std::make_shared<Stream>(world, std::move(name))),
-      reading_(std::make_shared<ReadingEnd>(stream_)), writing_(std::make_shared<WritingEnd>(stream_)) {
+      reading_(std::make_shared<ReadingEnd>(stream_)),
+      writing_(std::make_shared<WritingEnd>(stream_)) {
     stream_->addWriter();
     world->atEnd.emplace_back([weak = std::weak_ptr(stream_)] {
         if (const auto stream = weak.lock()) stream->forgetHandler();

@@ -25,8 +25,7 @@ public:
 
     // The reading end.
     [[nodiscard]] std::string read(bool toEnd);
-    void setReadabilityHandler(
-        std::shared_ptr<FileHandle> handle, FileHandle::ReadabilityHandler handler);
+    void setReadabilityHandler(std::shared_ptr<FileHandle> handle, FileHandle::ReadabilityHandler handler);
     void forgetHandler();
 
 private:

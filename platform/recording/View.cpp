@@ -59,7 +59,7 @@ void View::removeFromSuperview() {
 }
 
 void TextField::setStringValue(const std::string& text) {
-    note("setStringValue: " + quoted(text));
+    note("setStringValue: " + inQuotes(text));
     text_ = text;
 }
 
