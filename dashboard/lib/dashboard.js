@@ -8,7 +8,7 @@ import { Services } from './services/services.js';
 import { Settings } from './settings.js';
 import { overviewOf, stateOf } from './views.js';
 
-const ANNOUNCE_DELAY = 50;
+const ANNOUNCE_DELAY = 80;
 
 /**
  * What the dashboard knows, joined from its parts. Answers are made once for every change and kept, so that asking
@@ -62,7 +62,7 @@ export class Dashboard extends EventEmitter {
 
   /** The project at `path`. Throws HttpError when none is known there. */
   project(path) {
-    const found = typeof path === 'string' ? this.finder.projects().find((project) => project.path === path) : undefined;
+    const found = typeof path === 'string' ? this.finder.project(path) : undefined;
     if (!found) throw new HttpError(404, 'There is no such project.');
     return found;
   }

@@ -1,4 +1,3 @@
-import { userInfo } from 'node:os';
 import { readFileSync } from 'node:fs';
 
 const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
@@ -27,8 +26,8 @@ export function portsWithProjects(ports, projects, groups) {
 
 function describeRun(run) {
   if (!run) return null;
-  const { startedAt, endedAt, stopping, ended, code, signal, command, pid } = run;
-  return { startedAt, endedAt, stopping, ended, code, signal, command, pid };
+  const { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid } = run;
+  return { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid };
 }
 
 function join(dashboard) {
@@ -79,7 +78,6 @@ let userNames = null;
 
 function userName(uid) {
   if (uid === undefined) return null;
-  if (uid === process.getuid()) return userInfo().username;
   if (!userNames) {
     userNames = new Map();
     try {

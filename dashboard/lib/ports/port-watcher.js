@@ -50,7 +50,6 @@ export class PortWatcher extends EventEmitter {
   start() {
     if (!this.#source || this.#timer) return;
     this.#timer = setInterval(() => this.look(), this.#source.interval);
-    this.#timer.unref();
     this.look();
   }
 

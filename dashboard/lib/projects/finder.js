@@ -32,21 +32,28 @@ export class Finder extends EventEmitter {
   /** The projects found so far, each with `path`, `realPath`, `name`, `kind` and what its manifest tells. */
   projects() {
     const found = [];
-    for (const node of this.#nodes.values()) {
-      if (node.project && (!node.inside || node.project.command)) found.push(node.project);
+    for (const path of this.#nodes.keys()) {
+      const project = this.project(path);
+      if (project) found.push(project);
     }
     return found;
   }
 
+  /** The project at exactly this path, or undefined. */
+  project(path) {
+    const node = this.#nodes.get(path);
+    return node?.project && (!node.inside || node.project.command) ? node.project : undefined;
+  }
+
   /** Looks below `roots` (absolute paths, existing or not) from now on. */
   setFolders(roots) {
-    for (const root of this.#roots) {
-      if (!roots.includes(root)) this.#forgetRoot(root);
+    for (const root of this.#roots.filter((known) => !roots.includes(known))) {
+      this.#forgetRoot(root);
+      this.#enqueue(dirname(root)); // It may lie in another chosen folder.
     }
-    const added = roots.filter((root) => !this.#roots.includes(root));
     this.#roots = [...roots];
     // Inner folders first, so that they count their own depth when an outer one is chosen too.
-    for (const root of added.sort((one, other) => other.length - one.length)) this.#addRoot(root);
+    for (const root of [...roots].sort((one, other) => other.length - one.length)) this.#addRoot(root);
     this.emit('change');
     this.#work();
   }
@@ -65,7 +72,11 @@ export class Finder extends EventEmitter {
   }
 
   #addRoot(path) {
-    if (!this.#nodes.has(path)) this.#nodes.set(path, { path, depth: 0, inside: 0, isRoot: true, children: new Set() });
+    const known = this.#nodes.get(path);
+    if (known?.isRoot) return;
+    this.#nodes.get(dirname(path))?.children.delete(path);
+    if (known) Object.assign(known, { depth: 0, inside: 0, isRoot: true });
+    else this.#nodes.set(path, { path, depth: 0, inside: 0, isRoot: true, children: new Set() });
     this.#enqueue(path);
   }
 
@@ -199,7 +210,6 @@ export class Finder extends EventEmitter {
     else this.#unwatched.add(node.path);
     if (this.#unwatched.size > 0 && !this.#unwatchedTimer) {
       this.#unwatchedTimer = setInterval(() => this.#unwatched.forEach((path) => this.#enqueue(path)), RESCAN_UNWATCHED);
-      this.#unwatchedTimer.unref();
     }
   }
 }

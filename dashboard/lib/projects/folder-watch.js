@@ -6,7 +6,7 @@ import { watch } from 'node:fs';
  */
 export function watchFolder(path, onChange) {
   try {
-    const watcher = watch(path, { persistent: false }, (event, name) => onChange(event, name ?? ''));
+    const watcher = watch(path, (event, name) => onChange(event, name ?? ''));
     // A watched folder that goes away is noticed by the scan of the folder above it.
     watcher.on('error', () => watcher.close());
     return watcher;
@@ -35,7 +35,6 @@ export class Debouncer {
       this.#lastRun.set(key, performance.now());
       this.task(key);
     }, wait);
-    timer.unref();
     this.#timers.set(key, timer);
   }
 

@@ -1,5 +1,6 @@
 import { EventEmitter } from 'node:events';
 import { HttpError } from '../http/respond.js';
+import { diagnose } from './diagnose.js';
 import { signalGroup, spawnGroup } from './process-group.js';
 import { logFileFor, readLogEnd, RunLog } from './run-log.js';
 
@@ -88,7 +89,8 @@ export class Runner extends EventEmitter {
     child.stdio[3]?.destroy();
     // The last output may still be in the pipes.
     await Promise.race([new Promise((resolve) => child.once('close', resolve)), wait(300)]);
-    Object.assign(run, { code, signal, ended: true, endedAt: Date.now() });
+    const hints = run.stopping || code === 0 ? [] : diagnose(run.log.text());
+    Object.assign(run, { code, signal, hints, ended: true, endedAt: Date.now() });
     run.log.append(`\n${outcome(run)}\n`);
     run.log.close();
     this.emit('change');

@@ -42,7 +42,6 @@ export class Services extends EventEmitter {
   start() {
     this.#ports.on('change', () => this.lookSoon());
     this.#timer = setInterval(() => this.look(), INTERVAL);
-    this.#timer.unref();
     this.lookSoon();
   }
 

@@ -1,14 +1,18 @@
 import { h } from '../dom.js';
 import { pageHead, section } from '../parts.js';
+import { isNative } from '../shell.js';
 import { store } from '../store.js';
 import { shortPath } from '../text.js';
 
 const isApple = /Mac/.test(navigator.platform);
 const modifier = isApple ? '⌘' : 'Ctrl+';
 
-const KEYS = [
+const SHELL_KEYS = [
   [[`${modifier}1`], 'Dashboard'], [[`${modifier}2`], 'Services'], [[`${modifier}3`], 'Docker'], [[`${modifier}4`], 'Ports'],
-  [[`${modifier},`], 'Settings'], [['/'], 'Search projects'], [['↑', '↓'], 'Move through the list'], [['Esc'], 'Clear the search, close a dialog'],
+  [[`${modifier},`], 'Settings'],
+];
+const KEYS = [
+  [['/'], 'Search projects'], [['↑', '↓'], 'Move through the list'], [['Esc'], 'Clear the search, close a dialog'],
 ];
 
 export function aboutView({ overview }) {
@@ -19,7 +23,7 @@ export function aboutView({ overview }) {
       h('p', { class: 'lead' }, 'Harbrook shows every project, port and version on this machine, and why a project will not start. '
         + 'It looks only at this machine and sends nothing anywhere.'),
       section('Keys', null, h('dl', { class: 'panel facts padded keys' },
-        KEYS.map(([keys, what]) => [h('dt', null, keys.map((key) => h('kbd', null, key))), h('dd', null, what)]))),
+        [...(isNative() ? SHELL_KEYS : []), ...KEYS].map(([keys, what]) => [h('dt', null, keys.map((key) => h('kbd', null, key))), h('dd', null, what)]))),
       section('When something is wrong', null,
         h('p', { class: 'hint' }, 'A project that ends on its own says why in its output, on its own page. What the dashboard itself has to tell is in its log: Help, Show Server Log',
           about ? `, or ${shortPath(about.log, overview.home)}.` : '.')),

@@ -50,6 +50,7 @@ function row(project, home) {
       h('a', { class: 'cover strong', href: hashOfProject(project.path), 'data-step': true }, project.name,
         project.version && h('span', { class: 'version' }, project.version)),
       h('span', { class: 'faint clip' }, shortPath(folderOf(project.path), home))),
+    project.problem && tone === 'off' && h('span', { class: 'status bad' }, h('span', { class: 'dot', 'aria-hidden': 'true' }), 'Broken manifest'),
     tone !== 'off' && h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text),
     project.ports.length > 0 && portLinks(project.ports),
     h('span', { class: 'kind' }, project.kind),

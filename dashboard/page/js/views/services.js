@@ -39,16 +39,16 @@ function engine({ available, reason, version, socket, containers = [] }) {
 
 export function servicesView({ overview }) {
   const { services } = overview;
-  const subtitle = 'What answers on this machine, asked just now and whenever a port opens or closes.';
+  const subtitle = 'The databases and containers that answer on this machine.';
   if (!services.ready) return [pageHead('Services', subtitle), spinner('Asking the services of this machine…')];
   const found = [
     services.postgres.length > 0 && 'PostgreSQL', services.redis.length > 0 && 'Redis', services.docker.available && 'containers',
   ].filter(Boolean);
   return [
     pageHead('Services', found.length > 0 ? `Running on this machine: ${listed(found)}.` : subtitle),
-    h('div', { class: 'stack-large', key: 'services' },
+    h('div', { class: 'stack-panels', key: 'services' },
       servers('PostgreSQL', 'services', services.postgres.map(postgresLine), 'No PostgreSQL server answers on its usual ports or Unix sockets.'),
-      servers('Redis', 'services', services.redis.map(redisLine), 'No Redis or Valkey server answers on its usual ports.'),
+      servers('Redis', 'bolt', services.redis.map(redisLine), 'No Redis or Valkey server answers on its usual ports.'),
       engine(services.docker)),
   ];
 }

@@ -1,0 +1,10 @@
+#include "tests/contract/Desktop.h"
+#include "tests/contract/gtk/GtkDesktop.h"
+
+namespace harbrook::contract {
+
+std::vector<Factory> factories() {
+    return {{"gtk", makeGtkDesktop}};
+}
+
+} // namespace harbrook::contract
