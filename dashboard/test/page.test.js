@@ -3,6 +3,7 @@ import { mkdir } from 'node:fs/promises';
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { makeHome, startDashboard, writeTree } from './support/machine.js';
+import { eventually } from './support/waiting.js';
 import { describePage, go, messages, ready, servingPackage } from './support/page.js';
 
 // With HARBROOK_TEST_PICTURES set to a folder, every view is kept there as a picture, light and dark.
@@ -28,6 +29,16 @@ await describePage('the page', (sample) => {
     assert.equal(await page.locator('main').evaluate((main) => document.activeElement === main), true);
   });
 
+  test('every module is announced in the page, so that none is waited for twice', async (test) => {
+    const page = await sample.open(test);
+    await ready(page);
+    const [loaded, announced] = await page.evaluate(() => [
+      performance.getEntriesByType('resource').map(({ name }) => new URL(name).pathname).filter((name) => name.endsWith('.js')),
+      [...document.querySelectorAll('link[rel=modulepreload]')].map((link) => new URL(link.href).pathname),
+    ]);
+    assert.deepEqual([...new Set(loaded)].sort(), announced.sort());
+  });
+
   test('an unknown view and an unknown project say so', async (test) => {
     const page = await sample.open(test, '#/nothing');
     await page.getByText('There is no such view').waitFor();
@@ -48,6 +59,7 @@ await describePage('the page', (sample) => {
   test('a project is started and stopped, with its port and its output shown live', async (test) => {
     const page = await sample.open(test);
     await page.getByRole('button', { name: 'Start shop' }).click();
+    await eventually(() => page.evaluate(() => document.activeElement.getAttribute('aria-label') === 'Stop shop'), { what: 'the focus to follow' });
     const port = page.locator('.card', { hasText: 'shop' }).getByRole('link', { name: /Open port \d+/ });
     await port.waitFor();
     assert.equal(await port.getAttribute('target'), '_blank');

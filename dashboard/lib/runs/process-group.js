@@ -1,7 +1,7 @@
 import { spawn } from 'node:child_process';
 
-// The first process of the group. Its helper waits for the end of a pipe (descriptor 3) that the dashboard holds: when the
-// dashboard ends, by whatever means, the helper ends the group. The helper itself is deaf to the polite signal, so that
+// The first process of the group. Its watcher waits for the end of a pipe (descriptor 3) that the dashboard holds: when the
+// dashboard ends, by whatever means, the watcher ends the group. The watcher itself is deaf to the polite signal, so that
 // it is still there to send the forceful one; it is born deaf, lest the signal come before it could turn so.
 const LEADER = `
 trap '' TERM INT HUP
