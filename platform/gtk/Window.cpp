@@ -46,6 +46,7 @@ Window::Window(
       window_(makeNativeWindow(application.native(), contentRect.size)),
       overlay_(makeOverlay(window_.get())),
       style_(GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new())),
+      edges_(window_.get(), overlay_.get()),
       titlebar_(overlay_.get(), center, contentRect.size),
       press_(window_.get()),
       state_(window_.get(), [this](NotificationName name) { post(name); }),
@@ -99,6 +100,17 @@ void Window::connectSignals() {
             static_cast<Window*>(self)->fullScreenDidChange();
         },
         this);
+    const auto moveFocus = [](GtkWidget*, GVariant*, void* self) noexcept -> gboolean {
+        static_cast<Window*>(self)->moveFocusBetweenPageAndTitlebar();
+        return TRUE;
+    };
+    GtkEventController* keys = gtk_shortcut_controller_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    gtk_shortcut_controller_add_shortcut(
+        GTK_SHORTCUT_CONTROLLER(keys), gtk_shortcut_new(
+                                           gtk_keyval_trigger_new(GDK_KEY_F6, GdkModifierType{}),
+                                           gtk_callback_action_new(moveFocus, this, nullptr)));
+    gtk_widget_add_controller(GTK_WIDGET(window_.get()), keys);
     const auto frameChanged = [](GtkWindow*, GParamSpec*, void* self) noexcept {
         static_cast<Window*>(self)->saveFrameSoon();
     };
@@ -107,9 +119,25 @@ void Window::connectSignals() {
     }
 }
 
+void Window::moveFocusBetweenPageAndTitlebar() {
+    GtkWidget* focus = gtk_window_get_focus(window_.get());
+    GtkWidget* page = contentView_ ? contentView_->widget() : nullptr;
+    const bool isOnPage = focus && page && (focus == page || gtk_widget_is_ancestor(focus, page));
+    if (isOnPage) {
+        titlebar_.grabFocus();
+    } else if (page) {
+        gtk_widget_grab_focus(page);
+    }
+}
+
 void Window::setTitle(const std::string& title) {
     gtk_window_set_title(window_.get(), title.c_str());
     application_.windowTitleDidChange();
+}
+
+std::string Window::title() const {
+    const char* title = gtk_window_get_title(window_.get());
+    return title ? title : "";
 }
 
 void Window::setBackgroundColor(const Color& color) {
