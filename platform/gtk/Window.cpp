@@ -179,9 +179,13 @@ void Window::setFrameAutosaveName(const std::string& name) {
     if (!saved) return;
     gtk_window_set_default_size(
         window_.get(), static_cast<int>(saved->size.width), static_cast<int>(saved->size.height));
-    placement_.center(saved->size);
-    if (saved->topLeft && isReachable(*saved->topLeft, saved->size)) placement_.setTopLeft(*saved->topLeft);
-    if (saved->isMaximized) gtk_window_maximize(window_.get());
+    if (saved->topLeft && isReachable(*saved->topLeft, saved->size)) {
+        ownTopLeft_ = saved->topLeft;
+        placement_.setTopLeft(*saved->topLeft);
+    } else {
+        placement_.center(saved->size);
+    }
+    showsMaximized_ = saved->isMaximized;
 }
 
 void Window::makeKeyAndOrderFront() {
@@ -201,6 +205,9 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::show() {
     gtk_window_present_with_time(window_.get(), placement_.serverTime());
+    // Only now: an X11 window manager takes the size and place that a window is mapped with as those to go
+    // back to.
+    if (std::exchange(showsMaximized_, false)) gtk_window_maximize(window_.get());
 }
 
 void Window::orderOut() {
@@ -208,8 +215,10 @@ void Window::orderOut() {
     if (!isVisible()) return;
     saveFrame();
     dismissMenuBar();
-    if (const auto place = placement_.topLeft()) placement_.setTopLeft(*place);
+    if (ownTopLeft_) placement_.setTopLeft(*ownTopLeft_);
     gtk_widget_set_visible(GTK_WIDGET(window_.get()), FALSE);
+    showsMaximized_ = gtk_window_is_maximized(window_.get());
+    if (showsMaximized_) gtk_window_unmaximize(window_.get());
 }
 
 void Window::zoom() {
@@ -287,7 +296,7 @@ void Window::fullScreenDidChange() {
 
 void Window::saveFrame() {
     if (pendingSave_) g_source_remove(std::exchange(pendingSave_, 0));
-    if (!autosave_ || !isVisible() || gtk_window_is_fullscreen(window_.get())) return;
+    if (!isVisible() || gtk_window_is_fullscreen(window_.get())) return;
     SavedFrame frame;
     int width = 0;
     int height = 0;
@@ -296,11 +305,11 @@ void Window::saveFrame() {
     frame.isMaximized = gtk_window_is_maximized(window_.get());
     if (!frame.isMaximized) ownTopLeft_ = placement_.topLeft();
     frame.topLeft = ownTopLeft_;
-    autosave_->save(frame);
+    if (autosave_) autosave_->save(frame);
 }
 
 void Window::saveFrameSoon() {
-    if (!autosave_ || pendingSave_) return;
+    if (pendingSave_) return;
     const auto later = [](void* data) noexcept -> gboolean {
         auto& self = *static_cast<Window*>(data);
         self.pendingSave_ = 0;

@@ -93,6 +93,8 @@ private:
     std::optional<FrameAutosave> autosave_;
     /// Where the window is while it is not maximized.
     std::optional<Point> ownTopLeft_;
+    /// Whether it is to be maximized when it is shown the next time.
+    bool showsMaximized_ = false;
     Size size_;
     guint pendingShow_ = 0;
     guint pendingSave_ = 0;
