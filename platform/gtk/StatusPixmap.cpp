@@ -16,7 +16,7 @@ constexpr std::array sides = {16, 18, 22, 24, 32, 36, 44, 48, 64};
 constexpr SRGBColor darkInk = {0.14, 0.15, 0.16, 1};
 constexpr SRGBColor lightInk = {0.96, 0.96, 0.95, 1};
 constexpr SRGBColor badgeFill = {0.11, 0.44, 0.85, 1};
-constexpr double edgeOpacity = 0.55;
+constexpr double edgeOpacity = 0.75;
 
 void setColor(cairo_t* context, const SRGBColor& color, double opacity = 1) {
     cairo_set_source_rgba(context, color.red, color.green, color.blue, color.alpha * opacity);
