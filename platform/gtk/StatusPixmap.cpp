@@ -65,7 +65,7 @@ void roundedRectangle(cairo_t* context, Rect rect, double radius) {
 
 /// A pill in the lower right corner, clear of the dot that is half-way up.
 void paintBadge(cairo_t* context, const std::string& text, int side) {
-    const double height = std::round(side * 0.56);
+    const double height = std::round(side * 0.5);
     cairo_select_font_face(context, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
     cairo_set_font_size(context, height * 0.95);
     cairo_text_extents_t extents;

@@ -218,7 +218,7 @@ TEST_F(PictureTest, LeavesTheIconEmptyWhenItsFileHasGone) {
 TEST(PanelTone, KnowsTheDesktopsWithDarkPanels) {
     EXPECT_TRUE(hasDarkPanel("GNOME"));
     EXPECT_TRUE(hasDarkPanel("ubuntu:GNOME"));
-    EXPECT_TRUE(hasDarkPanel("XFCE"));
+    EXPECT_FALSE(hasDarkPanel("XFCE"));
     EXPECT_FALSE(hasDarkPanel("KDE"));
     EXPECT_FALSE(hasDarkPanel("LXQt"));
     EXPECT_FALSE(hasDarkPanel(""));
