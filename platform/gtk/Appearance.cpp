@@ -41,7 +41,6 @@ Appearance& Appearance::current() {
 }
 
 Appearance::Appearance() : settings_(gtk_settings_get_default()), desktop_([this] { followDesktop(); }) {
-    followDesktop();
     dark_ = settingsAreDark(settings_);
     const auto changed = [](GtkSettings*, GParamSpec*, void* self) noexcept {
         static_cast<Appearance*>(self)->update();
@@ -52,16 +51,14 @@ Appearance::Appearance() : settings_(gtk_settings_get_default()), desktop_([this
 
 void Appearance::followDesktop() {
     if (g_getenv("GTK_THEME")) return;
-    switch (desktop_.current()) {
-    case ColorScheme::dark:
-        g_object_set(settings_, preferDark, TRUE, nullptr);
-        break;
-    case ColorScheme::light:
-        g_object_set(settings_, preferDark, FALSE, nullptr);
-        break;
-    case ColorScheme::noPreference:
+    const auto scheme = desktop_.current();
+    // Every change, even to the same value, has the toolkit load its style sheets again.
+    if (scheme == followed_) return;
+    followed_ = scheme;
+    if (scheme == ColorScheme::noPreference) {
         gtk_settings_reset_property(settings_, preferDark);
-        break;
+    } else {
+        g_object_set(settings_, preferDark, scheme == ColorScheme::dark, nullptr);
     }
 }
 

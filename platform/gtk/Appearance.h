@@ -39,6 +39,7 @@ private:
 
     GtkSettings* settings_;
     bool dark_ = false;
+    ColorScheme followed_ = ColorScheme::noPreference;
     std::vector<std::weak_ptr<Observer>> observers_;
     SignalConnections connections_;
     DesktopColorScheme desktop_;

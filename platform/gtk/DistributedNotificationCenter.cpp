@@ -1,6 +1,6 @@
 #include "platform/gtk/DistributedNotificationCenter.h"
 
-#include "platform/gtk/SessionBus.h"
+#include "platform/gtk/SessionConnection.h"
 #include "platform/gtk/VariantValue.h"
 
 namespace harbrook::gtk {

@@ -21,9 +21,12 @@ bool LoadTracker::isWarmUpDecision(const std::string& address) {
     return warmingUp_ && isBlank(address);
 }
 
-void LoadTracker::decided(const std::string& address, bool allowed) {
-    if (own_ != Own::requested || address != ownAddress_) return;
-    own_ = allowed ? Own::allowed : Own::none;
+void LoadTracker::decided(const std::string& address, bool isRedirect, bool allowed) {
+    if (own_ == Own::requested && address == ownAddress_) {
+        own_ = allowed ? Own::allowed : Own::none;
+    } else if (own_ == Own::started && isRedirect && !allowed) {
+        own_ = Own::none;
+    }
 }
 
 void LoadTracker::started() {

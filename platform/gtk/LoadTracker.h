@@ -17,7 +17,8 @@ namespace harbrook::gtk {
 ///   failure, as it is on macOS.
 /// - A load that ends without a page by somebody's decision (a download, an empty answer) is a failure only
 /// if
-///   it was the shell's own: a page that offers a download stays.
+///   it was the shell's own: a page that offers a download stays. A decision of the shell's (a redirect that
+///   it refuses) is never a failure.
 class LoadTracker {
 public:
     enum class Failure { cancelled, interrupted, other };
@@ -29,7 +30,8 @@ public:
 
     /// A navigation to `address` is to be decided. Whether it is the warm-up's, which nobody else may see.
     [[nodiscard]] bool isWarmUpDecision(const std::string& address);
-    void decided(const std::string& address, bool allowed);
+    /// It was decided, by the shell for anything but the warm-up. `isRedirect`: as a further hop of a load.
+    void decided(const std::string& address, bool isRedirect, bool allowed);
     void started();
     /// A document from `address` begins to be shown. Whether that amounts to a failure: the engine puts a
     /// blank document in the place of an address whose port it does not allow.

@@ -11,9 +11,6 @@ namespace harbrook::gtk {
 class ScriptDialog {
 public:
     explicit ScriptDialog(WebKitScriptDialog* dialog) : dialog_(webkit_script_dialog_ref(dialog)) {}
-    ScriptDialog(const ScriptDialog&) = delete;
-    ScriptDialog& operator=(const ScriptDialog&) = delete;
-    ~ScriptDialog() { close(); }
 
     /// Lets the page go on. Only the first call counts.
     void answer(bool confirmed) {
@@ -22,19 +19,15 @@ public:
         if (type == WEBKIT_SCRIPT_DIALOG_CONFIRM || type == WEBKIT_SCRIPT_DIALOG_BEFORE_UNLOAD_CONFIRM) {
             webkit_script_dialog_confirm_set_confirmed(dialog_.get(), confirmed);
         }
-        close();
-    }
-
-private:
-    struct Unref {
-        void operator()(WebKitScriptDialog* dialog) const { webkit_script_dialog_unref(dialog); }
-    };
-
-    void close() {
-        if (dialog_) webkit_script_dialog_close(dialog_.get());
         dialog_.reset();
     }
 
+private:
+    // The engine closes a dialog when its last reference goes. Closing it by name while the engine is still
+    // announcing it (an answer at once, or none for `prompt`) makes WebKitGTK 2.50 use it after it is gone.
+    struct Unref {
+        void operator()(WebKitScriptDialog* dialog) const { webkit_script_dialog_unref(dialog); }
+    };
     std::unique_ptr<WebKitScriptDialog, Unref> dialog_;
 };
 

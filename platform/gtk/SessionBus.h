@@ -1,15 +1,11 @@
 #pragma once
 
-#include "platform/gtk/GObjectPtr.h"
-
-#include <gio/gio.h>
-
-#include <functional>
-
 namespace harbrook::gtk {
 
-/// Calls `ready` on the main thread with the connection to the session bus: at once when the application
-/// already has it, otherwise when it is made, and never when there is no session bus.
-void withSessionBus(std::function<void(GObjectPtr<GDBusConnection>)> ready);
+/// Lets this process do without a session bus, for good, where none answers at once: where there is none, and
+/// where one has hung, which every use of it would otherwise wait for. Never starts a bus. Takes a moment at
+/// a live bus, and at most half a second at a hung one. Only while the process has a single thread, since it
+/// may change the environment.
+void doWithoutUnresponsiveSessionBus();
 
 } // namespace harbrook::gtk

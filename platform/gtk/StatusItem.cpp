@@ -1,6 +1,6 @@
 #include "platform/gtk/StatusItem.h"
 
-#include "platform/gtk/SessionBus.h"
+#include "platform/gtk/SessionConnection.h"
 
 #include <algorithm>
 

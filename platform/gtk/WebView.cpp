@@ -198,12 +198,10 @@ std::string WebView::address() const {
 void WebView::loadChanged(WebKitLoadEvent event) {
     const auto self = shared_from_this();
     if (event == WEBKIT_LOAD_STARTED) loads_.started();
-    if (event == WEBKIT_LOAD_COMMITTED) {
-        const bool blankInstead = loads_.committedBlankInstead(address());
-        if (!loads_.awaitsOwnLoad()) endWait();
-        const auto delegate = navigationDelegate_.lock();
-        if (blankInstead && delegate) delegate->didFailProvisionalNavigation({"The port is not allowed."});
-    }
+    const bool blankInstead = event == WEBKIT_LOAD_COMMITTED && loads_.committedBlankInstead(address());
+    if (!loads_.awaitsOwnLoad()) endWait();
+    const auto delegate = navigationDelegate_.lock();
+    if (blankInstead && delegate) delegate->didFailProvisionalNavigation({"The port is not allowed."});
 }
 
 void WebView::loadFailed(WebKitLoadEvent event, const char* address, const GError& error) {
@@ -256,7 +254,8 @@ gboolean WebView::decideNavigation(WebKitPolicyDecision* decision, WebKitNavigat
             {URL::URLWithString(address)}, [&](NavigationActionPolicy answer) { policy = answer; });
     }
     const bool allowed = policy == NavigationActionPolicy::allow;
-    loads_.decided(address, allowed);
+    loads_.decided(address, webkit_navigation_action_is_redirect(action), allowed);
+    if (!loads_.awaitsOwnLoad()) endWait();
     if (allowed) {
         webkit_policy_decision_use(decision);
     } else {
