@@ -48,12 +48,24 @@ std::string randomText(std::mt19937& random) {
     for (std::size_t left = random() % 24; left > 0; --left) {
         std::uint32_t character = 0;
         switch (random() % 6) {
-        case 0: character = static_cast<unsigned char>(special[random() % special.size()]); break;
-        case 1: character = random() % 0x20; break;
-        case 2: character = 0x20 + random() % 0x60; break;
-        case 3: character = 0x80 + random() % 0x780; break;
-        case 4: character = 0x800 + random() % 0xD000; break;
-        default: character = 0x10000 + random() % 0x100000; break;
+        case 0:
+            character = static_cast<unsigned char>(special[random() % special.size()]);
+            break;
+        case 1:
+            character = random() % 0x20;
+            break;
+        case 2:
+            character = 0x20 + random() % 0x60;
+            break;
+        case 3:
+            character = 0x80 + random() % 0x780;
+            break;
+        case 4:
+            character = 0x800 + random() % 0xD000;
+            break;
+        default:
+            character = 0x10000 + random() % 0x100000;
+            break;
         }
         if (character < 0x80) {
             text += static_cast<char>(character);
@@ -80,14 +92,30 @@ std::string plainLiteral(std::string_view text) {
     std::string literal = "\"";
     for (const char character : text) {
         switch (character) {
-        case '"': literal += "\\\""; break;
-        case '\\': literal += "\\\\"; break;
-        case '/': literal += "\\/"; break;
-        case '\b': literal += "\\b"; break;
-        case '\f': literal += "\\f"; break;
-        case '\n': literal += "\\n"; break;
-        case '\r': literal += "\\r"; break;
-        case '\t': literal += "\\t"; break;
+        case '"':
+            literal += "\\\"";
+            break;
+        case '\\':
+            literal += "\\\\";
+            break;
+        case '/':
+            literal += "\\/";
+            break;
+        case '\b':
+            literal += "\\b";
+            break;
+        case '\f':
+            literal += "\\f";
+            break;
+        case '\n':
+            literal += "\\n";
+            break;
+        case '\r':
+            literal += "\\r";
+            break;
+        case '\t':
+            literal += "\\t";
+            break;
         default:
             if (static_cast<unsigned char>(character) < 0x20) {
                 literal += "\\u00";
@@ -115,7 +143,8 @@ TEST(JSString, of_random_bytes_is_a_literal_too) {
     std::mt19937 random(2);
     for (int i = 0; i < 20'000; ++i) {
         std::string bytes;
-        for (std::size_t left = random() % 6; left > 0; --left) bytes += static_cast<char>(random());
+        for (std::size_t left = random() % 6; left > 0; --left)
+            bytes += static_cast<char>(random());
         const auto literal = jsString(bytes);
         const auto read = nlohmann::json::parse(literal).get<std::string>();
         ASSERT_TRUE(read == bytes || literal == R"("")");

@@ -13,7 +13,8 @@ constexpr auto idlePicture = "/opt/harbrook/resources/menubarIdleTemplate@2x.png
 BezierPath slab(const std::vector<Point>& corners) {
     BezierPath path;
     path.moveToPoint(corners[0]);
-    for (std::size_t i = 1; i < corners.size(); ++i) path.lineToPoint(corners[i]);
+    for (std::size_t i = 1; i < corners.size(); ++i)
+        path.lineToPoint(corners[i]);
     path.closePath();
     return path;
 }
@@ -57,8 +58,7 @@ TEST(MenuBarIconDrawing, of_the_idle_form_ends_in_a_ring_of_the_default_width) {
     expectBlackSlabs(drawing);
     const auto& ring = std::get<StrokePath>(drawing.steps[4]).path;
     EXPECT_THAT(
-        ring.elements,
-        ElementsAre(BezierPath::Element(BezierPath::Oval{{{12.2625, 6.575}, {2.6, 2.6}}})));
+        ring.elements, ElementsAre(BezierPath::Element(BezierPath::Oval{{{12.2625, 6.575}, {2.6, 2.6}}})));
     EXPECT_EQ(ring.lineWidth, 1.0);
 }
 
@@ -67,10 +67,12 @@ class MenuBarIcon : public ShellTest {};
 TEST_F(MenuBarIcon, is_the_picture_at_18_points_as_a_template) {
     platform->addPicture(busyPicture, {36, 36});
     platform->addPicture(idlePicture, {36, 36});
-    EXPECT_EQ(AppDelegate::menuBarIcon(*platform), (Image{{18, 18}, true, std::filesystem::path(busyPicture)}));
+    EXPECT_EQ(
+        AppDelegate::menuBarIcon(*platform), (Image{{18, 18}, true, std::filesystem::path(busyPicture)}));
     EXPECT_EQ(AppDelegate::menuBarIcon(*platform, false), AppDelegate::menuBarIcon(*platform));
     EXPECT_EQ(
-        AppDelegate::menuBarIcon(*platform, true), (Image{{18, 18}, true, std::filesystem::path(idlePicture)}));
+        AppDelegate::menuBarIcon(*platform, true),
+        (Image{{18, 18}, true, std::filesystem::path(idlePicture)}));
 }
 
 TEST_F(MenuBarIcon, has_18_points_whatever_the_size_of_the_picture) {

@@ -61,8 +61,9 @@ TEST_F(Navigation, new_windows_are_never_made_and_web_addresses_open_outside) {
 }
 
 TEST_F(Navigation, new_windows_for_anything_else_do_nothing_at_all) {
-    for (const auto* url : {"about:blank", "javascript:alert(1)", "data:text/html,hi", "blob:http://x/1",
-                            "file:///etc/hosts", "custom://x", "/relative"}) {
+    for (const auto* url :
+         {"about:blank", "javascript:alert(1)", "data:text/html,hi", "blob:http://x/1", "file:///etc/hosts",
+          "custom://x", "/relative"}) {
         EXPECT_EQ(webView().simulateNewWindow(URL::URLWithString(url)), nullptr);
     }
     EXPECT_EQ(webView().simulateNewWindow(std::nullopt), nullptr);
@@ -141,10 +142,9 @@ TEST_F(Navigation, an_alert_is_a_sheet_with_one_button) {
     int answers = 0;
     webView().simulateAlert("Saved \"all\"", [&] { ++answers; });
     EXPECT_THAT(
-        log().lines(),
-        ElementsAre(
-            "alert init", R"(alert setMessageText: "Saved \"all\"")", "alert addButtonWithTitle: \"OK\"",
-            "alert beginSheetModalForWindow"));
+        log().lines(), ElementsAre(
+                           "alert init", R"(alert setMessageText: "Saved \"all\"")",
+                           "alert addButtonWithTitle: \"OK\"", "alert beginSheetModalForWindow"));
     EXPECT_EQ(answers, 0);
     platform->sheets().simulateEnd(NSAlertFirstButtonReturn);
     EXPECT_EQ(answers, 1);

@@ -16,7 +16,8 @@ protected:
         log().clear();
         platform->webView()->simulateMessage("fc", body);
         auto lines = log().take();
-        std::erase_if(lines, [](const std::string& line) { return line.find("setFrame") != std::string::npos; });
+        std::erase_if(
+            lines, [](const std::string& line) { return line.find("setFrame") != std::string::npos; });
         return lines;
     }
     [[nodiscard]] recording::OpenPanel& panel() const {
@@ -72,14 +73,16 @@ TEST_F(PageBridge, what_means_nothing_does_nothing) {
     for (const auto& body :
          {Value("state"), Value("title"), Value("unknown"), Value(""), Value(1.0), Value(true), Value(),
           Value(Value::Array{"zoom"}), Value(Dictionary{}), Value(Dictionary{{"v", "Docs"}}),
-          Value(Dictionary{{"k", 1.0}}), Value(Dictionary{{"k", "zoom"}}), Value(Dictionary{{"k", "unknown"}})}) {
+          Value(Dictionary{{"k", 1.0}}), Value(Dictionary{{"k", "zoom"}}),
+          Value(Dictionary{{"k", "unknown"}})}) {
         EXPECT_THAT(after(body), IsEmpty());
     }
 }
 
 TEST_F(PageBridge, messages_of_another_channel_are_passed_over) {
     log().clear();
-    for (const auto* name : {"", "FC", "fc ", "other"}) delegate->didReceiveScriptMessage({name, "zoom"});
+    for (const auto* name : {"", "FC", "fc ", "other"})
+        delegate->didReceiveScriptMessage({name, "zoom"});
     EXPECT_THAT(log().lines(), IsEmpty());
 }
 
@@ -103,7 +106,8 @@ TEST_F(PageBridge, a_target_changes_the_panels_message) {
 TEST_F(PageBridge, the_panel_starts_in_the_home_directory_every_time) {
     for (int i = 0; i < 2; ++i) {
         EXPECT_THAT(
-            after(Dictionary{{"k", "pickFolder"}}), testing::Contains("openPanel setDirectoryURL: /home/ada"));
+            after(Dictionary{{"k", "pickFolder"}}),
+            testing::Contains("openPanel setDirectoryURL: /home/ada"));
         choose("/srv/elsewhere");
     }
 }
@@ -113,8 +117,9 @@ TEST_F(PageBridge, a_choice_is_reported_to_the_page_with_its_target) {
     choose("/Users/a b/caf\xC3\xA9\"");
     EXPECT_THAT(
         scripts(),
-        ElementsAre("webView evaluateJavaScript: window.onFolderPicked && "
-                    "window.onFolderPicked(\"\\/Users\\/a b\\/caf\xC3\xA9\\\"\", \"it's \\\"the\\\" root\")"));
+        ElementsAre(
+            "webView evaluateJavaScript: window.onFolderPicked && "
+            "window.onFolderPicked(\"\\/Users\\/a b\\/caf\xC3\xA9\\\"\", \"it's \\\"the\\\" root\")"));
 }
 
 TEST_F(PageBridge, a_choice_without_a_target_is_reported_with_an_empty_one) {

@@ -31,11 +31,13 @@ TEST(PageMessage, an_argument_that_is_missing_or_no_string_is_empty) {
 
 TEST(PageMessage, other_keys_are_passed_over) {
     EXPECT_EQ(
-        pageMessage(Dictionary{{"k", "title"}, {"v", "Docs"}, {"w", 1.0}}), (PageMessage{Kind::title, "Docs"}));
+        pageMessage(Dictionary{{"k", "title"}, {"v", "Docs"}, {"w", 1.0}}),
+        (PageMessage{Kind::title, "Docs"}));
 }
 
 TEST(PageMessage, each_kind_exists_in_one_form_only) {
-    for (const auto* name : {"title", "pickFolder", "state"}) EXPECT_EQ(pageMessage(name), std::nullopt);
+    for (const auto* name : {"title", "pickFolder", "state"})
+        EXPECT_EQ(pageMessage(name), std::nullopt);
     for (const auto* name : {"drag", "zoom", "quit"}) {
         EXPECT_EQ(pageMessage(Dictionary{{"k", name}}), std::nullopt);
     }

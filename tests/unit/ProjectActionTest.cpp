@@ -33,8 +33,9 @@ TEST(ProjectAction, needs_both_pieces) {
 TEST(PercentEncoding, leaves_letters_marks_and_numbers_of_every_script) {
     for (const std::string text :
          {"abcXYZ019", "caf\xC3\xA9", "e\xCC\x81" /* a letter and a combining mark */, "\xE5\xAD\x97",
-          "\xD9\xA3" /* an Arabic-Indic digit */, "\xE0\xA4\xBF" /* a vowel sign */, "\xE2\x85\xA7" /* a Roman numeral */,
-          "\xC2\xB2" /* superscript two */, "\xF0\x9D\x94\xB8" /* a mathematical letter */}) {
+          "\xD9\xA3" /* an Arabic-Indic digit */, "\xE0\xA4\xBF" /* a vowel sign */,
+          "\xE2\x85\xA7" /* a Roman numeral */, "\xC2\xB2" /* superscript two */,
+          "\xF0\x9D\x94\xB8" /* a mathematical letter */}) {
         EXPECT_EQ(percentEncodedAlphanumeric(text), text);
     }
 }

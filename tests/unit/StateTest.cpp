@@ -53,7 +53,8 @@ TEST(State, decodes_a_whole_snapshot_in_the_servers_order) {
 }
 
 TEST(State, of_no_projects_and_zero_counts_is_a_snapshot) {
-    const auto state = decodeState(R"({"projects":[],"stats":{"running":0,"postgres":0,"redis":0,"containers":0}})");
+    const auto state =
+        decodeState(R"({"projects":[],"stats":{"running":0,"postgres":0,"redis":0,"containers":0}})");
     ASSERT_TRUE(state);
     EXPECT_THAT(state->projects, IsEmpty());
     EXPECT_EQ(state->stats, State::Stats{});
@@ -65,7 +66,9 @@ TEST(State, optional_members_have_three_values) {
             const auto state = decodeState(withProject(json));
             EXPECT_TRUE(state) << json;
             const auto& found = state->projects.at(0);
-            return key == "hasCommand" ? found.hasCommand : key == "appRunning" ? found.appRunning : found.menubar;
+            return key == "hasCommand"   ? found.hasCommand
+                   : key == "appRunning" ? found.appRunning
+                                         : found.menubar;
         };
         const auto with = [&](const std::string& value) {
             return R"({"name":"a","path":"b","running":false,"ports":[],")" + key + "\":" + value + "}";
@@ -89,10 +92,16 @@ TEST(State, unknown_members_are_passed_over) {
 TEST(State, is_absent_when_a_top_level_member_is_missing_or_wrong) {
     const std::string stats = zeroStats;
     const std::vector<std::string> documents = {
-        "{}", R"({"projects":[]})", "{" + stats + "}", R"({"projects":null,)" + stats + "}",
-        R"({"projects":{},)" + stats + "}", R"({"Projects":[],)" + stats + "}",
-        R"({"projects":[],"stats":null})", R"({"projects":[],"stats":[]})",
-        R"({"projects":[null],)" + stats + "}", R"({"projects":["a"],)" + stats + "}",
+        "{}",
+        R"({"projects":[]})",
+        "{" + stats + "}",
+        R"({"projects":null,)" + stats + "}",
+        R"({"projects":{},)" + stats + "}",
+        R"({"Projects":[],)" + stats + "}",
+        R"({"projects":[],"stats":null})",
+        R"({"projects":[],"stats":[]})",
+        R"({"projects":[null],)" + stats + "}",
+        R"({"projects":["a"],)" + stats + "}",
         R"({"projects":[[]],)" + stats + "}"};
     for (const auto& json : documents) {
         EXPECT_FALSE(decodeState(json)) << json;
@@ -103,11 +112,11 @@ TEST(State, is_absent_when_a_project_lacks_a_required_member_or_has_it_wrong) {
     ASSERT_TRUE(decodeState(withProject(project("", ""))));
     for (const std::string key : {"name", "path", "running", "ports"}) {
         EXPECT_FALSE(decodeState(withProject(project(key, "")))) << key;
-        for (const std::string value : {"null", "{}", "1", "\"\"", "true", "[\"a\"]", "[true]", "[null]", "[[]]"}) {
+        for (const std::string value :
+             {"null", "{}", "1", "\"\"", "true", "[\"a\"]", "[true]", "[null]", "[[]]"}) {
             const bool fits = (value == "\"\"" && (key == "name" || key == "path")) ||
-                (value == "true" && key == "running");
-            EXPECT_EQ(
-                decodeState(withProject(project(key, "\"" + key + "\":" + value))).has_value(), fits)
+                              (value == "true" && key == "running");
+            EXPECT_EQ(decodeState(withProject(project(key, "\"" + key + "\":" + value))).has_value(), fits)
                 << key << " " << value;
         }
     }
@@ -140,13 +149,14 @@ struct Number {
 class StateInteger : public testing::TestWithParam<Number> {};
 
 TEST_P(StateInteger, is_a_whole_number_of_64_bits) {
-    const auto state = decodeState(
-        withStats(std::string(R"({"running":0,"redis":0,"containers":0,"postgres":)") + GetParam().text + "}"));
+    const auto state = decodeState(withStats(
+        std::string(R"({"running":0,"redis":0,"containers":0,"postgres":)") + GetParam().text + "}"));
     EXPECT_EQ(state.has_value(), GetParam().value.has_value()) << GetParam().text;
     if (state && GetParam().value) {
         EXPECT_EQ(state->stats.postgres, *GetParam().value) << GetParam().text;
     }
-    const auto port = decodeState(withProject(project("ports", R"("ports":[1,)" + std::string(GetParam().text) + "]")));
+    const auto port =
+        decodeState(withProject(project("ports", R"("ports":[1,)" + std::string(GetParam().text) + "]")));
     EXPECT_EQ(port.has_value(), GetParam().value.has_value()) << GetParam().text;
 }
 
@@ -172,9 +182,9 @@ TEST(State, is_absent_for_what_is_no_json_document) {
     EXPECT_TRUE(decodeState(" \r\n\t" + good + "\n"));
     for (const std::string& json :
          {std::string(), std::string(" "), std::string("null"), std::string("[]"), std::string("\"\""),
-          std::string("Unauthorized"), std::string("<html></html>"), good + good, good + "x", good + ",", good + "]",
-          good.substr(0, good.size() - 1), "x" + good, "/* no */" + good, good + std::string(1, '\0'), good + std::string("\0x", 2),
-          std::string("{'projects':[]}")}) {
+          std::string("Unauthorized"), std::string("<html></html>"), good + good, good + "x", good + ",",
+          good + "]", good.substr(0, good.size() - 1), "x" + good, "/* no */" + good,
+          good + std::string(1, '\0'), good + std::string("\0x", 2), std::string("{'projects':[]}")}) {
         EXPECT_FALSE(decodeState(json)) << json;
     }
 }
@@ -182,7 +192,8 @@ TEST(State, is_absent_for_what_is_no_json_document) {
 TEST(State, is_absent_for_text_that_is_not_utf_8) {
     for (const auto* name : {"\xFF", "a\xC3", "\xED\xA0\x80", "\xC0\xAF"}) {
         EXPECT_FALSE(decodeState(withProject(project("name", "\"name\":\"" + std::string(name) + "\""))));
-        EXPECT_FALSE(decodeState(withProject(project("", "").insert(1, "\"x\":\"" + std::string(name) + "\","))));
+        EXPECT_FALSE(
+            decodeState(withProject(project("", "").insert(1, "\"x\":\"" + std::string(name) + "\","))));
     }
     EXPECT_FALSE(decodeState(withProject(project("name", R"("name":"\ud800")"))));
     EXPECT_TRUE(decodeState(withProject(project("name", R"("name":"\ud83d\ude00")"))));
@@ -196,14 +207,16 @@ TEST(State, is_absent_for_nesting_bombs_without_harm) {
         EXPECT_FALSE(decodeState(open + close));
         EXPECT_FALSE(decodeState(R"({"x":)" + open + close + R"(,"projects":[],)" + zeroStats + "}"));
         std::string objects;
-        for (std::size_t i = 0; i < depth; ++i) objects += "{\"x\":";
+        for (std::size_t i = 0; i < depth; ++i)
+            objects += "{\"x\":";
         EXPECT_FALSE(decodeState(objects));
     }
 }
 
 TEST(State, decodes_many_projects) {
     std::string projects;
-    for (int i = 0; i < 3000; ++i) projects += (i ? "," : "") + project("ports", "\"ports\":[" + std::to_string(i) + "]");
+    for (int i = 0; i < 3000; ++i)
+        projects += (i ? "," : "") + project("ports", "\"ports\":[" + std::to_string(i) + "]");
     const auto state = decodeState(withProject(projects));
     ASSERT_TRUE(state);
     ASSERT_EQ(state->projects.size(), 3000U);

@@ -15,7 +15,8 @@ void outline(const Menu& menu, const std::string& indent, std::vector<std::strin
         auto line = indent + (item.isSeparator ? "-" : item.title);
         if (!item.action.empty()) {
             line += " [" + item.action;
-            if (const auto* number = std::get_if<std::int64_t>(&item.representedObject)) line += " " + std::to_string(*number);
+            if (const auto* number = std::get_if<std::int64_t>(&item.representedObject))
+                line += " " + std::to_string(*number);
             if (const auto* text = std::get_if<std::string>(&item.representedObject)) line += " " + *text;
             line += "]";
         }
@@ -58,8 +59,8 @@ TEST(StatusMenu, with_nothing_running_and_nothing_saved) {
     EXPECT_THAT(
         outline(State{}),
         ElementsAre(
-            "Open Harbrook [openFromMenu]", "-", "No projects running", "-", "No other saved start commands", "-",
-            "PostgreSQL: 0   Redis: 0   Containers: 0", "-", "Quit Harbrook [terminate:]"));
+            "Open Harbrook [openFromMenu]", "-", "No projects running", "-", "No other saved start commands",
+            "-", "PostgreSQL: 0   Redis: 0   Containers: 0", "-", "Quit Harbrook [terminate:]"));
 }
 
 TEST(StatusMenu, with_projects_running_and_saved) {
@@ -69,17 +70,17 @@ TEST(StatusMenu, with_projects_running_and_saved) {
     state.projects = {shop, saved("docs"), running("blog", {})};
     state.stats = {99, 1, 2, 3};
     EXPECT_THAT(
-        outline(state),
-        ElementsAre(
-            "Open Harbrook [openFromMenu]", "-", "Running projects", "shop   :3000 :5173 :8080",
-            "    Open localhost:3000 in browser [openPort: 3000]",
-            "    Open localhost:5173 in browser [openPort: 5173]",
-            "    Open localhost:8080 in browser [openPort: 8080]",
-            "    Open localhost:9000 in browser [openPort: 9000]", "    Show in Harbrook [openProject: /p/shop]",
-            "    -", "    Stop shop [toggleProject: stop\n/p/shop]", "blog   ",
-            "    Show in Harbrook [openProject: /p/blog]", "-", "Start a project",
-            "    docs [toggleProject: start\n/p/docs]", "-", "PostgreSQL: 1   Redis: 2   Containers: 3", "-",
-            "Quit Harbrook [terminate:]"));
+        outline(state), ElementsAre(
+                            "Open Harbrook [openFromMenu]", "-", "Running projects",
+                            "shop   :3000 :5173 :8080", "    Open localhost:3000 in browser [openPort: 3000]",
+                            "    Open localhost:5173 in browser [openPort: 5173]",
+                            "    Open localhost:8080 in browser [openPort: 8080]",
+                            "    Open localhost:9000 in browser [openPort: 9000]",
+                            "    Show in Harbrook [openProject: /p/shop]", "    -",
+                            "    Stop shop [toggleProject: stop\n/p/shop]", "blog   ",
+                            "    Show in Harbrook [openProject: /p/blog]", "-", "Start a project",
+                            "    docs [toggleProject: start\n/p/docs]", "-",
+                            "PostgreSQL: 1   Redis: 2   Containers: 3", "-", "Quit Harbrook [terminate:]"));
 }
 
 TEST(StatusMenu, targets_and_key_equivalents) {
@@ -123,11 +124,10 @@ TEST(StatusMenu, a_title_shows_three_ports_and_a_submenu_offers_five) {
     std::vector<std::string> lines;
     outline(*item.submenu, "", lines);
     EXPECT_THAT(
-        lines,
-        ElementsAre(
-            "Open localhost:1 in browser [openPort: 1]", "Open localhost:2 in browser [openPort: 2]",
-            "Open localhost:3 in browser [openPort: 3]", "Open localhost:4 in browser [openPort: 4]",
-            "Open localhost:5 in browser [openPort: 5]", "Show in Harbrook [openProject: /p/a]"));
+        lines, ElementsAre(
+                   "Open localhost:1 in browser [openPort: 1]", "Open localhost:2 in browser [openPort: 2]",
+                   "Open localhost:3 in browser [openPort: 3]", "Open localhost:4 in browser [openPort: 4]",
+                   "Open localhost:5 in browser [openPort: 5]", "Show in Harbrook [openProject: /p/a]"));
 }
 
 TEST(StatusMenu, trailing_blanks_are_kept_when_there_is_no_port) {
@@ -200,7 +200,8 @@ TEST(StatusMenu, saved_commands_depend_on_all_three_choices_and_not_on_running) 
                     const bool expected = hasCommand == true && appRunning != true && menubar != false;
                     const auto lines = outline(state);
                     EXPECT_EQ(testing::Value(lines, testing::Contains("Start a project")), expected);
-                    EXPECT_EQ(testing::Value(lines, testing::Contains("No other saved start commands")), !expected);
+                    EXPECT_EQ(
+                        testing::Value(lines, testing::Contains("No other saved start commands")), !expected);
                 }
             }
         }
@@ -211,7 +212,8 @@ TEST(StatusMenu, lists_keep_the_servers_order) {
     State state;
     state.projects = {running("z", {}), saved("y"), running("a", {}), saved("b")};
     std::vector<std::string> lines = outline(state);
-    std::erase_if(lines, [](const std::string& line) { return line.find('[') != std::string::npos || line == "-"; });
+    std::erase_if(
+        lines, [](const std::string& line) { return line.find('[') != std::string::npos || line == "-"; });
     EXPECT_THAT(
         lines, ElementsAre(
                    "Running projects", "z   ", "a   ", "Start a project",

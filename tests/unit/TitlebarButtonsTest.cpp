@@ -32,9 +32,12 @@ protected:
     }
     /// Puts everything where the desktop would have it, without the shell being told.
     void displaceUnseen() {
-        std::vector<std::shared_ptr<recording::View>> views = {window().titlebar(), window().titlebarContainer()};
-        for (const auto& view : window().titlebar()->subviews()) views.push_back(view);
-        for (const auto& view : views) view->setPostsFrameChangedNotifications(false);
+        std::vector<std::shared_ptr<recording::View>> views = {
+            window().titlebar(), window().titlebarContainer()};
+        for (const auto& view : window().titlebar()->subviews())
+            views.push_back(view);
+        for (const auto& view : views)
+            view->setPostsFrameChangedNotifications(false);
         window().layOutTitlebar();
         log().clear();
     }
@@ -42,8 +45,7 @@ protected:
         const double height = window().frame().size.height;
         const double width = window().frame().size.width;
         EXPECT_EQ(window().titlebarContainer()->frame(), (Rect{{0, height - 52}, {width, 52}}));
-        EXPECT_THAT(
-            buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(Point{40, 10}), Eq(Point{60, 10})));
+        EXPECT_THAT(buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(Point{40, 10}), Eq(Point{60, 10})));
     }
 
     const Lines placement = {
@@ -62,7 +64,8 @@ TEST_F(TitlebarButtons, are_in_place_before_the_window_is_first_shown) {
     delegate->buildWindow();
     const auto lines = log().take();
     const auto shown = std::ranges::find(lines, "window makeKeyAndOrderFront");
-    for (const auto& line : placement) EXPECT_NE(std::find(lines.begin(), shown, line), shown) << line;
+    for (const auto& line : placement)
+        EXPECT_NE(std::find(lines.begin(), shown, line), shown) << line;
     expectInPlace();
 }
 
@@ -94,7 +97,8 @@ TEST_F(TitlebarButtons, a_container_within_half_a_point_is_left_and_one_further_
     window().titlebarContainer()->layOut({{0, 808.2}, {1320, 52.3}});
     EXPECT_THAT(log().linesOf("titlebarContainer"), IsEmpty());
     window().titlebarContainer()->layOut({{0, 809}, {1320, 52}});
-    EXPECT_THAT(log().linesOf("titlebarContainer"), ElementsAre("titlebarContainer setFrame: (0, 808) 1320 x 52"));
+    EXPECT_THAT(
+        log().linesOf("titlebarContainer"), ElementsAre("titlebarContainer setFrame: (0, 808) 1320 x 52"));
 }
 
 TEST_F(TitlebarButtons, the_height_of_the_title_bar_is_read_after_the_container_was_moved) {
@@ -112,8 +116,9 @@ TEST_F(TitlebarButtons, the_height_of_the_title_bar_is_read_anew_for_each_button
     const auto close = std::shared_ptr<View>(window().button(WindowButton::close));
     close->setPostsFrameChangedNotifications(true);
     (void)platform->notificationCenter().addObserverForName(
-        NotificationName::NSViewFrameDidChangeNotification, close, ObserverQueue::none,
-        [&] { window().titlebar()->layOut({{0, 0}, {1320, 60}}); });
+        NotificationName::NSViewFrameDidChangeNotification, close, ObserverQueue::none, [&] {
+            window().titlebar()->layOut({{0, 0}, {1320, 60}});
+        });
     delegate->placeTrafficLights();
     EXPECT_THAT(buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(Point{40, 18}), Eq(Point{60, 18})));
 }
@@ -130,15 +135,13 @@ TEST_F(TitlebarButtons, in_a_very_short_title_bar_halves_are_rounded_away_from_z
 
 TEST_F(TitlebarButtons, a_missing_zoom_button_is_skipped) {
     build({.has = {true, true, false}});
-    EXPECT_THAT(
-        buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(Point{40, 10}), Eq(std::nullopt)));
+    EXPECT_THAT(buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(Point{40, 10}), Eq(std::nullopt)));
     EXPECT_EQ(delegate->lightObservers.size(), 4U + 8U);
 }
 
 TEST_F(TitlebarButtons, a_missing_middle_button_leaves_its_gap) {
     build({.has = {true, false, true}});
-    EXPECT_THAT(
-        buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(std::nullopt), Eq(Point{60, 10})));
+    EXPECT_THAT(buttonOrigins(), ElementsAre(Eq(Point{20, 10}), Eq(std::nullopt), Eq(Point{60, 10})));
 }
 
 TEST_F(TitlebarButtons, without_a_close_button_nothing_is_placed) {
@@ -173,7 +176,8 @@ TEST_F(TitlebarButtons, all_observers_are_kept) {
     build();
     EXPECT_EQ(delegate->lightObservers.size(), 5U + 8U);
     EXPECT_EQ(platform->notificationCenter().count(), 13U);
-    for (const auto& token : delegate->lightObservers) EXPECT_NE(token, nullptr);
+    for (const auto& token : delegate->lightObservers)
+        EXPECT_NE(token, nullptr);
 }
 
 TEST_F(TitlebarButtons, a_change_of_any_watched_view_is_answered_inside_the_change) {
@@ -199,8 +203,8 @@ TEST_F(TitlebarButtons, the_moves_of_a_placement_do_not_start_another_one) {
     for (const auto& view : {window().titlebarContainer(), window().button(WindowButton::close)}) {
         view->setPostsFrameChangedNotifications(true);
         (void)platform->notificationCenter().addObserverForName(
-            NotificationName::NSViewFrameDidChangeNotification, std::shared_ptr<View>(view), ObserverQueue::none,
-            [&] { placing.push_back(delegate->placingLights); });
+            NotificationName::NSViewFrameDidChangeNotification, std::shared_ptr<View>(view),
+            ObserverQueue::none, [&] { placing.push_back(delegate->placingLights); });
     }
     log().clear();
     delegate->placeTrafficLights();

@@ -50,26 +50,25 @@ INSTANTIATE_TEST_SUITE_P(
         Parts{"http:///path", "http", none, none},
         Parts{"http://localhost:4711/a|b?c=[d]^`{}\"<> #e#f", "http", "localhost", 4711},
         Parts{"mailto:ada@example.com", "mailto", none, none},
-        Parts{"mailto:localhost:4711", "mailto", none, none},
-        Parts{"about:blank", "about", none, none},
+        Parts{"mailto:localhost:4711", "mailto", none, none}, Parts{"about:blank", "about", none, none},
         Parts{"data:text/html,<p>hi</p>", "data", none, none},
         Parts{"blob:http://localhost:4711/0-1", "blob", none, none},
         Parts{"javascript:alert(1)", "javascript", none, none},
-        Parts{"file:///etc/hosts", "file", none, none},
-        Parts{"//localhost:4711/", none, "localhost", 4711},
-        Parts{"/path", none, none, none},
-        Parts{"#/ports", none, none, none}));
+        Parts{"file:///etc/hosts", "file", none, none}, Parts{"//localhost:4711/", none, "localhost", 4711},
+        Parts{"/path", none, none, none}, Parts{"#/ports", none, none, none}));
 
 TEST(URL, is_not_made_of_what_is_none) {
-    for (const auto* text : {"", "http://localhost:port/", "http://localhost:4711.evil.example/", "1http://x/",
-                             "http://[::1/", "http://a:1:2/"}) {
+    for (const auto* text :
+         {"", "http://localhost:port/", "http://localhost:4711.evil.example/", "1http://x/", "http://[::1/",
+          "http://a:1:2/"}) {
         EXPECT_FALSE(URL::URLWithString(text)) << text;
     }
 }
 
 TEST(URL, keeps_its_text) {
     for (const auto* text :
-         {"http://localhost:4711/a/../b?c=%20#d", "mailto:a@b.example?subject=Harbrook", "https://x.example"}) {
+         {"http://localhost:4711/a/../b?c=%20#d", "mailto:a@b.example?subject=Harbrook",
+          "https://x.example"}) {
         EXPECT_EQ(URL::URLWithString(text)->absoluteString(), text);
     }
 }
