@@ -9,7 +9,7 @@ namespace {
 std::filesystem::path makeDataDir(Platform& platform) {
     const auto base = screenshotHome(platform.processInfo().environment())
                           .value_or(platform.fileManager().homeDirectoryForCurrentUser());
-    const auto dataDir = base / ".harbrook";
+    auto dataDir = base / ".harbrook";
     const auto earlierDir = base / ".ferncastle";
     auto& files = platform.fileManager();
     if (!files.fileExistsAtPath(dataDir) && files.fileExistsAtPath(earlierDir)) {

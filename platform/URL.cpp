@@ -75,12 +75,12 @@ std::string withDisallowedCharactersEncoded(std::string_view text) {
     return encoded;
 }
 
-std::optional<std::string> text(const UriTextRangeA& range) {
+std::optional<std::string> textIn(const UriTextRangeA& range) {
     if (range.first == nullptr || range.first == range.afterLast) return std::nullopt;
     return std::string(range.first, range.afterLast);
 }
 
-std::optional<std::int64_t> number(const UriTextRangeA& range) {
+std::optional<std::int64_t> numberIn(const UriTextRangeA& range) {
     std::int64_t value = 0;
     if (range.first == nullptr) return std::nullopt;
     const auto [end, error] = std::from_chars(range.first, range.afterLast, value);
@@ -90,10 +90,10 @@ std::optional<std::int64_t> number(const UriTextRangeA& range) {
 
 } // namespace
 
-std::optional<URL> URL::URLWithString(std::string_view string) {
-    if (string.empty()) return std::nullopt;
+std::optional<URL> URL::URLWithString(std::string_view text) {
+    if (text.empty()) return std::nullopt;
     URL url;
-    url.absoluteString_ = withDisallowedCharactersEncoded(string);
+    url.absoluteString_ = withDisallowedCharactersEncoded(text);
 
     UriUriA parts{};
     const char* first = url.absoluteString_.data();
@@ -103,9 +103,9 @@ std::optional<URL> URL::URLWithString(std::string_view string) {
     const auto release = [](UriUriA* uri) { uriFreeUriMembersA(uri); };
     const std::unique_ptr<UriUriA, decltype(release)> owner(&parts, release);
 
-    url.scheme_ = text(parts.scheme);
-    url.host_ = text(parts.hostText);
-    url.port_ = number(parts.portText);
+    url.scheme_ = textIn(parts.scheme);
+    url.host_ = textIn(parts.hostText);
+    url.port_ = numberIn(parts.portText);
     return url;
 }
 

@@ -32,7 +32,7 @@ void AnnouncementParser::appendToRun(std::string_view text) {
     const auto length = static_cast<std::int64_t>(text.size());
     while (!runEnded_ && i < length) {
         UChar32 character = 0;
-        U8_NEXT(text.data(), i, length, character);
+        U8_NEXT(text, i, length, character);
         if (character >= '0' && character <= '9') {
             std::int64_t next = number_.value_or(0);
             const bool overflows = __builtin_mul_overflow(next, std::int64_t{10}, &next) ||

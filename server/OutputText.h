@@ -17,7 +17,7 @@ public:
     [[nodiscard]] std::string string() const;
 
 private:
-    static constexpr std::size_t blockSize = 64 * 1024;
+    static constexpr std::size_t blockSize = 65536;
 
     std::deque<std::string> blocks_;
     std::size_t size_ = 0;

@@ -39,7 +39,7 @@ std::optional<std::string> percentEncodedAlphanumeric(std::string_view text) {
     const auto length = static_cast<std::int64_t>(text.size());
     for (std::int64_t start = 0, next = 0; start < length; start = next) {
         UChar32 character = 0;
-        U8_NEXT(text.data(), next, length, character);
+        U8_NEXT(text, next, length, character);
         if (character < 0) return std::nullopt;
         const auto bytes =
             text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(next - start));

@@ -93,20 +93,20 @@ bool decode(const Json& json, State& result) {
 
 } // namespace
 
-std::optional<State> decodeState(std::string_view text) {
+std::optional<State> decodeState(std::string_view json) {
     // The parser would take a zero byte for the end of the text.
-    if (text.find('\0') != std::string_view::npos) return std::nullopt;
+    if (json.find('\0') != std::string_view::npos) return std::nullopt;
     bool tooDeep = false;
-    const auto json = Json::parse(
-        text.begin(), text.end(),
+    const auto document = Json::parse(
+        json.begin(), json.end(),
         [&tooDeep](int depth, Json::parse_event_t, const Json&) {
             tooDeep = tooDeep || depth > maximumDepth;
             return !tooDeep;
         },
         false);
-    if (tooDeep || json.is_discarded()) return std::nullopt;
+    if (tooDeep || document.is_discarded()) return std::nullopt;
     State state;
-    if (!decode(json, state)) return std::nullopt;
+    if (!decode(document, state)) return std::nullopt;
     return state;
 }
 

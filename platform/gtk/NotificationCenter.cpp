@@ -12,13 +12,13 @@ class Token final : public ObserverToken {};
 } // namespace
 
 std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
-    NotificationName name, const std::shared_ptr<View>& object, ObserverQueue /*queue*/,
+    NotificationName name, const std::shared_ptr<harbrook::View>& object, ObserverQueue /*queue*/,
     std::function<void()> block) {
     return add(name, object.get(), std::move(block));
 }
 
 std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
-    NotificationName name, const std::shared_ptr<Window>& object, ObserverQueue /*queue*/,
+    NotificationName name, const std::shared_ptr<harbrook::Window>& object, ObserverQueue /*queue*/,
     std::function<void()> block) {
     return add(name, object.get(), std::move(block));
 }

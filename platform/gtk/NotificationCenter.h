@@ -10,10 +10,10 @@ namespace harbrook::gtk {
 class NotificationCenter final : public harbrook::NotificationCenter {
 public:
     std::shared_ptr<ObserverToken> addObserverForName(
-        NotificationName name, const std::shared_ptr<View>& object, ObserverQueue queue,
+        NotificationName name, const std::shared_ptr<harbrook::View>& object, ObserverQueue queue,
         std::function<void()> block) override;
     std::shared_ptr<ObserverToken> addObserverForName(
-        NotificationName name, const std::shared_ptr<Window>& object, ObserverQueue queue,
+        NotificationName name, const std::shared_ptr<harbrook::Window>& object, ObserverQueue queue,
         std::function<void()> block) override;
 
     /// Tells the observers of `object` at once. Both queues amount to that here: everything that posts is on

@@ -1,0 +1,100 @@
+import { EventEmitter } from 'node:events';
+import { join } from 'node:path';
+import { HttpError } from './http/respond.js';
+import { PortWatcher } from './ports/port-watcher.js';
+import { Finder } from './projects/finder.js';
+import { Runner } from './runs/runner.js';
+import { Services } from './services/services.js';
+import { Settings } from './settings.js';
+import { overviewOf, stateOf } from './views.js';
+
+const ANNOUNCE_DELAY = 80;
+
+/**
+ * What the dashboard knows, joined from its parts. Answers are made once for every change and kept, so that asking
+ * again and again costs nothing. Emits "change" shortly after anything has changed.
+ */
+export class Dashboard extends EventEmitter {
+  #made = new Map();
+  #announce = null;
+  revision = 1;
+
+  constructor({ dataDirectory, home }) {
+    super();
+    this.setMaxListeners(0);
+    this.home = home;
+    this.dataDirectory = dataDirectory;
+    this.settings = new Settings({ dataDirectory, home });
+    this.finder = new Finder();
+    this.ports = new PortWatcher();
+    this.services = new Services({ home, ports: this.ports });
+    this.runner = new Runner(join(dataDirectory, 'logs', 'projects'));
+    for (const part of [this.settings, this.finder, this.ports, this.services, this.runner]) {
+      part.on('change', () => this.#changed());
+    }
+    this.settings.on('change', () => this.finder.setFolders(this.settings.folders));
+    this.runner.on('change', () => this.ports.lookClosely());
+  }
+
+  start() {
+    this.finder.setFolders(this.settings.folders);
+    this.ports.start();
+    this.services.start();
+  }
+
+  async close() {
+    clearTimeout(this.#announce);
+    this.finder.close();
+    this.ports.close();
+    this.services.close();
+    await Promise.all([this.runner.close(), this.settings.settled()]);
+  }
+
+  /** The snapshot for the shell, as JSON bytes. */
+  get state() {
+    return this.#make('state', stateOf);
+  }
+
+  /** Everything that the page shows, as JSON bytes. */
+  get overview() {
+    return this.#make('overview', overviewOf);
+  }
+
+  /** The project at `path`. Throws HttpError when none is known there. */
+  project(path) {
+    const found = typeof path === 'string' ? this.finder.project(path) : undefined;
+    if (!found) throw new HttpError(404, 'There is no such project.');
+    return found;
+  }
+
+  /** The command that starts the project: typed by the user, or else read from its manifest. */
+  commandOf(project) {
+    return this.settings.project(project.path).command ?? project.command;
+  }
+
+  async startProject(path) {
+    const project = this.project(path);
+    const command = this.commandOf(project);
+    if (!command) throw new HttpError(409, 'The project has no start command.');
+    await this.runner.start(project.path, command);
+  }
+
+  async stopProject(path) {
+    await this.runner.stop(path);
+    await this.ports.look();
+  }
+
+  #make(name, make) {
+    if (!this.#made.has(name)) this.#made.set(name, Buffer.from(JSON.stringify(make(this))));
+    return this.#made.get(name);
+  }
+
+  #changed() {
+    this.revision += 1;
+    this.#made.clear();
+    this.#announce ??= setTimeout(() => {
+      this.#announce = null;
+      this.emit('change');
+    }, ANNOUNCE_DELAY);
+  }
+}

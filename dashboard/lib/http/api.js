@@ -1,0 +1,56 @@
+import { streamEvents, streamLog } from './streams.js';
+import { sendJson } from './respond.js';
+import { about } from '../about.js';
+
+function settingsOf({ settings, finder }) {
+  return {
+    folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),
+    foldersAreDefault: settings.foldersAreDefault,
+  };
+}
+
+function sendBytes(response, bytes) {
+  sendJson(response, bytes);
+}
+
+/** The API: for each address the methods it knows. A POST has its body read and checked to be an object already. */
+export function apiRoutes(dashboard) {
+  return new Map([
+    ['/api/state', { GET: ({ response }) => sendBytes(response, dashboard.state) }],
+    ['/api/overview', { GET: ({ response }) => sendBytes(response, dashboard.overview) }],
+    ['/api/about', { GET: ({ response }) => sendJson(response, about(dashboard)) }],
+    ['/api/events', { GET: ({ response }) => streamEvents(dashboard, response) }],
+    ['/api/settings', {
+      GET: ({ response }) => sendJson(response, settingsOf(dashboard)),
+      async POST({ body, response }) {
+        if (body.folders !== undefined) await dashboard.settings.setFolders(body.folders);
+        sendJson(response, settingsOf(dashboard));
+      },
+    }],
+    ['/api/project/start', {
+      async POST({ body, response }) {
+        await dashboard.startProject(body.path);
+        sendJson(response, { ok: true });
+      },
+    }],
+    ['/api/project/stop', {
+      async POST({ body, response }) {
+        await dashboard.stopProject(body.path);
+        sendJson(response, { ok: true });
+      },
+    }],
+    ['/api/project/settings', {
+      async POST({ body, response }) {
+        const { path } = dashboard.project(body.path);
+        await dashboard.settings.setProject(path, body);
+        sendJson(response, { ok: true });
+      },
+    }],
+    ['/api/project/log', {
+      GET({ url, response }) {
+        const { path } = dashboard.project(url.searchParams.get('path'));
+        streamLog(dashboard.runner, path, url.searchParams.get('follow') === '1', response);
+      },
+    }],
+  ]);
+}

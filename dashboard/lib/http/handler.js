@@ -1,0 +1,61 @@
+import { fileURLToPath } from 'node:url';
+import { apiRoutes } from './api.js';
+import { hostIsLocal, mayChange, originIsOwn, SECURITY_HEADERS, tokenCheck } from './guard.js';
+import { HttpError, readJson, sendJson } from './respond.js';
+import { staticFiles } from './static-files.js';
+
+const pageDirectory = fileURLToPath(new URL('../../page', import.meta.url));
+
+function parseAddress(text) {
+  try {
+    return new URL(text, 'http://localhost');
+  } catch {
+    throw new HttpError(400, 'The address is malformed.');
+  }
+}
+
+/** Makes the request handler: the page's files for anybody on this machine, the API for who knows the token. */
+export function createHandler({ dashboard, token }) {
+  const tokenIsRight = tokenCheck(token);
+  const serveFile = staticFiles(pageDirectory);
+  const routes = apiRoutes(dashboard);
+
+  async function answerApi(url, request, response) {
+    if (!tokenIsRight(request.headers['x-harbrook-token'])) throw new HttpError(401, 'The token is missing or wrong.');
+    if (!originIsOwn(request)) throw new HttpError(403, 'Requests from other origins are not answered.');
+    const methods = routes.get(url.pathname);
+    if (!methods) throw new HttpError(404, 'There is no such address.');
+    const route = methods[request.method];
+    if (!route) {
+      response.setHeader('Allow', Object.keys(methods).join(', '));
+      throw new HttpError(405, 'This method is not allowed here.');
+    }
+    if (request.method === 'GET') return route({ url, request, response });
+    if (!mayChange(request)) throw new HttpError(403, 'A change needs the X-Harbrook header.');
+    return route({ url, request, response, body: await readJson(request) });
+  }
+
+  async function answer(request, response) {
+    for (const [name, value] of Object.entries(SECURITY_HEADERS)) response.setHeader(name, value);
+    if (!hostIsLocal(request)) throw new HttpError(403, 'Only localhost is served.');
+    const url = parseAddress(request.url);
+    if (url.pathname.startsWith('/api/')) return answerApi(url, request, response);
+    if (request.method !== 'GET' && request.method !== 'HEAD') throw new HttpError(405, 'This method is not allowed here.');
+    if (!(await serveFile(url.pathname, request, response))) throw new HttpError(404, 'There is no such page.');
+    return undefined;
+  }
+
+  return (request, response) => {
+    answer(request, response).catch((error) => {
+      const known = error instanceof HttpError;
+      if (!known) console.error(`${request.method} ${request.url}:`, error);
+      if (response.headersSent) {
+        response.destroy();
+        return;
+      }
+      // The rest of a refused body is not read, so the connection cannot be used again.
+      if (request.method === 'POST' && !request.complete) response.setHeader('Connection', 'close');
+      sendJson(response, { error: known ? error.message : 'Something went wrong here.' }, known ? error.status : 500);
+    });
+  };
+}

@@ -1,0 +1,33 @@
+const MOST_WAITING = 1024 * 1024;
+
+/** Tells of every change by its revision, for as long as the client listens. */
+export function streamEvents(dashboard, response) {
+  response.writeHead(200, { 'Content-Type': 'text/event-stream; charset=utf-8', 'Cache-Control': 'no-store' });
+  const tell = () => response.write(`data: ${dashboard.revision}\n\n`);
+  tell();
+  dashboard.on('change', tell);
+  response.on('close', () => dashboard.off('change', tell));
+}
+
+/** Sends the kept output of a project's last run and, with `follow`, what is added to it until that run ends. */
+export function streamLog(runner, path, follow, response) {
+  response.writeHead(200, { 'Content-Type': 'text/plain; charset=utf-8', 'Cache-Control': 'no-store' });
+  const log = runner.run(path)?.log;
+  response.write(runner.logText(path));
+  if (!follow || !runner.isRunning(path)) {
+    response.end();
+    return;
+  }
+  const unfollow = log.follow((bytes) => {
+    // A reader that cannot keep up misses output rather than making the dashboard hold all of it.
+    if (response.writableLength < MOST_WAITING) response.write(bytes);
+  });
+  const ended = () => {
+    if (runner.run(path)?.log !== log || !runner.isRunning(path)) response.end();
+  };
+  runner.on('change', ended);
+  response.on('close', () => {
+    unfollow();
+    runner.off('change', ended);
+  });
+}

@@ -1,0 +1,130 @@
+import { EventEmitter } from 'node:events';
+import { HttpError } from '../http/respond.js';
+import { diagnose } from './diagnose.js';
+import { signalGroup, spawnGroup } from './process-group.js';
+import { logFileFor, readLogEnd, RunLog } from './run-log.js';
+
+export const GRACE = 5000;
+const GRACE_AT_END = 2000;
+const FORCE_WAIT = 2000;
+
+const wait = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
+
+function outcome(run) {
+  if (run.stopping) return 'Stopped.';
+  if (run.signal) return `Ended by ${run.signal}.`;
+  return run.code === 0 ? 'Ended normally.' : `Ended with code ${run.code}.`;
+}
+
+/** Runs the projects' start commands. Emits "change" when a run begins, is asked to stop, or ends. */
+export class Runner extends EventEmitter {
+  #runs = new Map();
+  #directory;
+  #closing = false;
+
+  constructor(directory) {
+    super();
+    this.#directory = directory;
+  }
+
+  /** The last run of a project: { pid, startedAt, stopping, ended, code, signal, command } or undefined. */
+  run(path) {
+    return this.#runs.get(path);
+  }
+
+  isRunning(path) {
+    const run = this.#runs.get(path);
+    return run !== undefined && !run.ended;
+  }
+
+  /** The process groups that run now, from their leader's process id to the project's path. */
+  groups() {
+    return new Map([...this.#runs].filter(([, run]) => !run.ended).map(([path, run]) => [run.pid, path]));
+  }
+
+  /** Starts `command` in the project's folder. Throws HttpError when it runs already or cannot be started. */
+  async start(path, command) {
+    if (this.#closing) throw new HttpError(503, 'Harbrook is quitting.');
+    if (this.isRunning(path)) throw new HttpError(409, 'The project is running already.');
+    const log = new RunLog(logFileFor(this.#directory, path));
+    log.append(`$ ${command}\n`);
+    const child = spawnGroup(command, path);
+    const run = { pid: child.pid, command, log, startedAt: Date.now(), stopping: false, ended: false, code: null, signal: null };
+    this.#runs.get(path)?.log.close();
+    this.#runs.set(path, run);
+    for (const stream of [child.stdout, child.stderr]) this.#collect(stream, log);
+    run.finished = new Promise((resolve) => {
+      child.once('exit', (code, signal) => this.#end(run, child, { code, signal }).then(resolve));
+      child.once('error', (error) => {
+        if (child.pid === undefined) this.#failed(run, error).then(resolve);
+      });
+    });
+    if (child.pid === undefined) {
+      await run.finished;
+      throw new HttpError(500, `The command could not be started: ${run.failure}`);
+    }
+    this.emit('change');
+  }
+
+  #collect(stream, log) {
+    stream.on('data', (chunk) => {
+      const full = log.append(chunk);
+      if (!full) return;
+      stream.pause();
+      const resume = () => stream.resume();
+      full.once('drain', resume).once('close', resume);
+    });
+    stream.on('error', () => {});
+  }
+
+  async #failed(run, error) {
+    Object.assign(run, { ended: true, endedAt: Date.now(), failure: error.code === 'ENOENT' ? 'the folder is gone.' : error.message });
+    run.log.append(`Could not be started: ${run.failure}\n`);
+    this.emit('change');
+  }
+
+  async #end(run, child, { code, signal }) {
+    // What the command left behind in its group goes with it; closing the pipe lets the group's helper see to that.
+    signalGroup(run.pid, 'SIGTERM');
+    child.stdio[3]?.destroy();
+    // The last output may still be in the pipes.
+    await Promise.race([new Promise((resolve) => child.once('close', resolve)), wait(300)]);
+    const hints = run.stopping || code === 0 ? [] : diagnose(run.log.text());
+    Object.assign(run, { code, signal, hints, ended: true, endedAt: Date.now() });
+    run.log.append(`\n${outcome(run)}\n`);
+    run.log.close();
+    this.emit('change');
+  }
+
+  /** Asks the project's group to end and forces it after the grace time. Fulfilled when it has ended. */
+  async stop(path, grace = GRACE) {
+    const run = this.#runs.get(path);
+    if (!run || run.ended) throw new HttpError(409, 'Harbrook has not started this project.');
+    if (!run.stopping) {
+      run.stopping = true;
+      this.emit('change');
+      signalGroup(run.pid, 'SIGTERM');
+    }
+    await Promise.race([run.finished, wait(grace)]);
+    if (run.ended) return;
+    run.log.append('\nDid not end when asked; forced.\n');
+    signalGroup(run.pid, 'SIGKILL');
+    await Promise.race([run.finished, wait(FORCE_WAIT)]);
+  }
+
+  /** The kept output of the project's last run, of an earlier session too. */
+  logText(path) {
+    return this.#runs.get(path)?.log.text() ?? readLogEnd(logFileFor(this.#directory, path));
+  }
+
+  logFile(path) {
+    return logFileFor(this.#directory, path);
+  }
+
+  /** Ends everything that was started here. */
+  async close() {
+    this.#closing = true;
+    const running = [...this.#runs].filter(([, run]) => !run.ended);
+    await Promise.all(running.map(([path]) => this.stop(path, GRACE_AT_END).catch(() => {})));
+  }
+}

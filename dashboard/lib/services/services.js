@@ -1,0 +1,145 @@
+import { EventEmitter } from 'node:events';
+import { dockerSockets, followDocker, probeDocker } from './docker.js';
+import { postgresSockets, postgresVersion, probePostgres } from './postgres.js';
+import { probeRedis } from './redis.js';
+
+const INTERVAL = 30_000;
+const SETTLE = 300;
+
+const KINDS = {
+  postgres: { usualPort: (port) => port >= 5432 && port <= 5439, processName: /^(postgres|postmaster)/, insidePort: 5432 },
+  redis: { usualPort: (port) => port >= 6379 && port <= 6389, processName: /^(redis|valkey|keydb)-server/, insidePort: 6379 },
+};
+
+function loopback(addresses) {
+  if (addresses.some((address) => address === '0.0.0.0' || address === '127.0.0.1' || address === '::')) return '127.0.0.1';
+  return addresses.includes('::1') ? '::1' : addresses[0];
+}
+
+/**
+ * Knows the local services: PostgreSQL and Redis servers that answered a probe, and the container engine. Probes when
+ * the listening ports change, when the engine tells of an event, and every half minute. Emits "change".
+ */
+export class Services extends EventEmitter {
+  #ports;
+  #sockets;
+  #postgresFolders;
+  #timer = null;
+  #soon = null;
+  #busy = null;
+  #again = false;
+  #unfollow = null;
+  #closed = false;
+  #lastCandidates = '';
+  value = { ready: false, postgres: [], redis: [], docker: { available: false, reason: null } };
+
+  constructor({ home, ports, sockets = dockerSockets({ home }), postgresFolders = undefined }) {
+    super();
+    this.#ports = ports;
+    this.#sockets = sockets;
+    this.#postgresFolders = postgresFolders;
+  }
+
+  start() {
+    this.#ports.on('change', () => {
+      // Most ports that open and close are none of these services'.
+      const candidates = this.#candidatePorts();
+      if (candidates !== this.#lastCandidates) this.lookSoon();
+    });
+    this.#timer = setInterval(() => this.look(), INTERVAL);
+    this.lookSoon();
+  }
+
+  close() {
+    this.#closed = true;
+    clearInterval(this.#timer);
+    clearTimeout(this.#soon);
+    this.#unfollow?.();
+  }
+
+  lookSoon() {
+    if (this.#closed) return;
+    this.#soon ??= setTimeout(() => {
+      this.#soon = null;
+      this.look();
+    }, SETTLE);
+  }
+
+  /** Probes now; a call during a probe makes another one follow it. */
+  async look() {
+    if (this.#busy) {
+      this.#again = true;
+      return this.#busy;
+    }
+    this.#busy = this.#look().catch((error) => console.error(`Services could not be probed: ${error.message}`));
+    await this.#busy;
+    this.#busy = null;
+    if (this.#again && !this.#closed) {
+      this.#again = false;
+      return this.look();
+    }
+    return undefined;
+  }
+
+  async #look() {
+    this.#lastCandidates = this.#candidatePorts();
+    const docker = await probeDocker(this.#sockets);
+    const [postgres, redis] = await Promise.all([this.#lookForPostgres(docker), this.#lookForRedis(docker)]);
+    if (this.#closed) return;
+    this.#followEngine(docker);
+    const value = { ready: true, postgres, redis, docker };
+    if (JSON.stringify(value) === JSON.stringify(this.value)) return;
+    this.value = value;
+    this.emit('change');
+  }
+
+  /** The ports where a service of `kind` may listen: its usual ones, its program's, and those of its containers. */
+  #candidates(kind, docker) {
+    const { usualPort, processName, insidePort } = KINDS[kind];
+    const published = new Set((docker.containers ?? []).flatMap(({ ports }) => ports)
+      .filter(({ inside }) => inside === insidePort).map(({ port }) => port));
+    const candidates = new Map();
+    for (const entry of this.#ports.ports) {
+      const likely = usualPort(entry.port) || published.has(entry.port) || processName.test(entry.process?.name ?? '');
+      if (likely && !candidates.has(entry.port)) candidates.set(entry.port, entry);
+    }
+    return [...candidates.values()];
+  }
+
+  #candidatePorts() {
+    const kinds = Object.keys(KINDS).map((kind) => this.#candidates(kind, this.value.docker));
+    return kinds.flat().map(({ port, process }) => `${port} ${process?.pid}`).join();
+  }
+
+  async #lookForPostgres(docker) {
+    const candidates = this.#candidates('postgres', docker)
+      .map((entry) => ({ port: entry.port, process: entry.process, target: { port: entry.port, host: loopback(entry.addresses) } }));
+    const listening = new Set(candidates.map(({ port }) => port));
+    for (const [port, path] of await postgresSockets(this.#postgresFolders)) {
+      if (!listening.has(port)) candidates.push({ port, process: null, target: { path } });
+    }
+    const servers = await Promise.all(candidates.map(async ({ port, process, target }) => {
+      const answer = await probePostgres(target);
+      if (!answer) return null;
+      return { port, socket: target.path ?? null, tls: answer.tls, version: await postgresVersion(process) };
+    }));
+    return servers.filter(Boolean).sort((one, other) => one.port - other.port);
+  }
+
+  async #lookForRedis(docker) {
+    const servers = await Promise.all(this.#candidates('redis', docker).map(async ({ port, addresses }) => {
+      const answer = await probeRedis({ port, host: loopback(addresses) });
+      return answer && { port, ...answer };
+    }));
+    return servers.filter(Boolean).sort((one, other) => one.port - other.port);
+  }
+
+  #followEngine(docker) {
+    if (!docker.available || this.#unfollow) return;
+    const ended = () => {
+      this.#unfollow = null;
+      this.lookSoon();
+    };
+    this.#unfollow = followDocker(docker.socket, () => this.lookSoon(), ended);
+  }
+}

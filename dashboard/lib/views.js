@@ -1,0 +1,139 @@
+import { readFileSync } from 'node:fs';
+
+const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
+
+/** The projects' paths, so that a folder's project is found by walking up from it. */
+function projectLookup(projects) {
+  const byFolder = new Map(projects.map((project) => [project.realPath, project.path]));
+  return (folder) => {
+    for (let at = folder; at; at = at.slice(0, at.lastIndexOf('/'))) {
+      if (byFolder.has(at)) return byFolder.get(at);
+    }
+    return null;
+  };
+}
+
+/** Every port with the path of its project: that of the run which opened it, or else of its process's folder. */
+export function portsWithProjects(ports, projects, groups) {
+  const projectOf = projectLookup(projects);
+  return ports.map((entry) => {
+    const holder = entry.process;
+    // The dashboard may live below a project's folder without being that project.
+    if (!holder || holder.pid === process.pid) return { ...entry, project: null };
+    return { ...entry, project: groups.get(holder.group) ?? projectOf(holder.folder) };
+  });
+}
+
+function describeRun(run) {
+  if (!run) return null;
+  const { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid } = run;
+  return { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid };
+}
+
+function join(dashboard) {
+  const projects = dashboard.finder.projects();
+  const ports = portsWithProjects(dashboard.ports.ports, projects, dashboard.runner.groups());
+  const portsOf = new Map();
+  for (const { port, project } of ports) {
+    if (project) portsOf.set(project, (portsOf.get(project) ?? new Set()).add(port));
+  }
+  const joined = projects.map((project) => {
+    const own = [...(portsOf.get(project.path) ?? [])].sort((one, other) => one - other);
+    const appRunning = dashboard.runner.isRunning(project.path);
+    return { project, ports: own, appRunning, running: appRunning || own.length > 0 };
+  });
+  joined.sort((one, other) => collator.compare(one.project.name, other.project.name)
+    || collator.compare(one.project.path, other.project.path));
+  return { joined, ports };
+}
+
+function statsOf(dashboard, joined) {
+  const { postgres, redis, docker } = dashboard.services.value;
+  return {
+    running: joined.filter(({ running }) => running).length,
+    postgres: postgres.length,
+    redis: redis.length,
+    containers: (docker.containers ?? []).filter(({ state }) => state === 'running').length,
+  };
+}
+
+/** The snapshot for the shell: which projects there are, which run and where, and the services' counts. */
+export function stateOf(dashboard) {
+  const { joined } = join(dashboard);
+  return {
+    projects: joined.map(({ project, ports, appRunning, running }) => ({
+      name: project.name,
+      path: project.path,
+      running,
+      ports,
+      hasCommand: Boolean(dashboard.commandOf(project)),
+      appRunning,
+      menubar: dashboard.settings.project(project.path).menubar ?? null,
+    })),
+    stats: statsOf(dashboard, joined),
+  };
+}
+
+let userNames = null;
+
+function userName(uid) {
+  if (uid === undefined) return null;
+  if (!userNames) {
+    userNames = new Map();
+    try {
+      for (const line of readFileSync('/etc/passwd', 'utf8').split('\n')) {
+        const [name, , id] = line.split(':');
+        if (id) userNames.set(Number(id), name);
+      }
+    } catch {
+      // Then the number has to do.
+    }
+  }
+  return userNames.get(uid) ?? `user ${uid}`;
+}
+
+function describePort({ port, addresses, uid, process: holder, project }) {
+  return {
+    port,
+    addresses,
+    user: userName(uid),
+    own: uid === undefined ? Boolean(holder) : uid === process.getuid(),
+    process: holder ? { pid: holder.pid, name: holder.name, command: holder.command.slice(0, 300) } : null,
+    project,
+  };
+}
+
+/** Everything that the page shows. */
+export function overviewOf(dashboard) {
+  const { joined, ports } = join(dashboard);
+  const { settings, finder, runner, services } = dashboard;
+  return {
+    revision: dashboard.revision,
+    ready: finder.ready,
+    foldersAreDefault: settings.foldersAreDefault,
+    home: dashboard.home,
+    folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),
+    projects: joined.map(({ project, ports: own, appRunning, running }) => {
+      const choices = settings.project(project.path);
+      return {
+        name: project.name,
+        path: project.path,
+        kind: project.kind,
+        version: project.version ?? null,
+        manifests: project.manifests,
+        problem: project.problem ?? null,
+        needsInstall: project.needsInstall ?? false,
+        foundCommand: project.command ?? null,
+        ownCommand: choices.command ?? null,
+        menubar: choices.menubar ?? null,
+        ports: own,
+        running,
+        appRunning,
+        run: describeRun(runner.run(project.path)),
+      };
+    }),
+    ports: ports.map(describePort),
+    services: services.value,
+    stats: statsOf(dashboard, joined),
+  };
+}

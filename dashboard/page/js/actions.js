@@ -1,0 +1,100 @@
+import { post } from './api.js';
+import { openModal, say } from './overlays.js';
+import { isNative, pickFolder, stateChanged } from './shell.js';
+import { refresh, store, update } from './store.js';
+import { h } from './dom.js';
+
+/** The projects with a request under way, so that their buttons wait. */
+export const busy = new Set();
+
+async function attempt(task) {
+  try {
+    await task();
+    return true;
+  } catch (error) {
+    say(error.message, { isError: true });
+    return false;
+  }
+}
+
+async function changeProject(verb, path) {
+  if (busy.has(path)) return;
+  busy.add(path);
+  update({});
+  await attempt(() => post(`project/${verb}`, { path }));
+  busy.delete(path);
+  stateChanged();
+  await refresh().catch(() => {});
+}
+
+export const startProject = (path) => changeProject('start', path);
+export const stopProject = (path) => changeProject('stop', path);
+
+/** Saves choices for a project: `command` and `menubar`, null to go back to what was found. */
+export async function saveProject(path, choices, saved) {
+  const done = await attempt(() => post('project/settings', { path, ...choices }));
+  if (done) {
+    stateChanged();
+    say(saved);
+  }
+  return done;
+}
+
+export async function saveFolders(folders) {
+  return attempt(async () => {
+    await post('settings', { folders });
+    await refresh();
+  });
+}
+
+export function addFolder(folder) {
+  const folders = store.overview.folders.filter(({ exists }) => exists).map(({ path }) => path);
+  if (folders.includes(folder)) {
+    say('This folder is looked through already.');
+    return;
+  }
+  saveFolders([...folders, folder]).then((done) => done && say('Looking through the folder.'));
+}
+
+/** Lets the user choose a folder: with the shell's panel, or by typing its path in a plain browser. */
+export function askForFolder() {
+  if (isNative()) {
+    pickFolder('');
+    return;
+  }
+  openModal('Add a folder', (close) => h('form', {
+    class: 'stack',
+    onSubmit(event) {
+      event.preventDefault();
+      addFolder(event.target.elements.path.value.trim());
+      close();
+    },
+  },
+  h('label', { class: 'field' }, h('span', null, 'Folder that contains your projects'),
+    h('input', { name: 'path', class: 'input mono', placeholder: `${store.overview.home}/work`, autofocus: true, required: true, spellcheck: 'false' })),
+  h('div', { class: 'actions' },
+    h('button', { class: 'button', type: 'button', onClick: close }, 'Cancel'),
+    h('button', { class: 'button primary', type: 'submit' }, 'Add folder'))));
+}
+
+window.onFolderPicked = (path, target) => {
+  if (target === '' && typeof path === 'string' && store.overview) addFolder(path);
+};
+
+window.openUpdate = () => {
+  openModal('Updates', (close) => h('div', { class: 'stack' },
+    h('p', null, store.about ? `This is version ${store.about.version} of the Harbrook dashboard.` : 'This is the Harbrook dashboard.'),
+    h('p', { class: 'soft' }, 'It comes with the application and is updated together with it. It makes no connection beyond this machine, '
+      + 'so it does not look for a newer version by itself.'),
+    h('div', { class: 'actions' }, h('button', { class: 'button primary', type: 'button', onClick: close }, 'Done'))));
+};
+
+/** Copies text; the user is told either way. */
+export async function copyText(text) {
+  try {
+    await navigator.clipboard.writeText(text);
+    say('Copied.');
+  } catch {
+    say('The text could not be copied.', { isError: true });
+  }
+}

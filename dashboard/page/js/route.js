@@ -1,0 +1,20 @@
+const VIEWS = new Set(['services', 'docker', 'ports', 'settings', 'about']);
+
+function decoded(text) {
+  try {
+    return decodeURIComponent(text);
+  } catch {
+    return null;
+  }
+}
+
+/** The view that a location hash names: { view } or { view: 'project', path }. */
+export function routeOf(hash) {
+  const name = hash.replace(/^#?\/?/, '');
+  if (name === '') return { view: 'home' };
+  if (VIEWS.has(name)) return { view: name };
+  const path = name.startsWith('p/') ? decoded(name.slice(2)) : null;
+  return path ? { view: 'project', path } : { view: 'unknown' };
+}
+
+export const hashOfProject = (path) => `#/p/${encodeURIComponent(path)}`;

@@ -1,0 +1,86 @@
+import { saveProject } from '../actions.js';
+import { h } from '../dom.js';
+import { icon } from '../icons.js';
+import { logView } from '../log-view.js';
+import { copyable, empty, glyph, portLink, runButton, section, spinner, status } from '../parts.js';
+import { store } from '../store.js';
+import { clock, shortPath } from '../text.js';
+
+function notices(project) {
+  const texts = [project.problem, ...(project.run?.ended ? project.run.hints ?? [] : [])];
+  if (project.needsInstall && !project.running) texts.push('Its dependencies are not installed: there is no node_modules folder.');
+  const present = [...new Set(texts.filter(Boolean))];
+  return present.length > 0 && h('ul', { class: 'notices', key: 'notices' }, present.map((text) => h('li', null, icon('warn'), h('span', null, text))));
+}
+
+function commandForm({ path, ownCommand, foundCommand }) {
+  return h('form', {
+    class: 'stack', key: `command ${path}`,
+    async onSubmit(event) {
+      event.preventDefault();
+      const typed = event.target.elements.command.value.trim();
+      await saveProject(path, { command: typed === '' || typed === foundCommand ? null : typed }, 'Start command saved.');
+    },
+  },
+  h('div', { class: 'input-row' },
+    h('input', {
+      name: 'command', class: 'input mono', 'aria-label': 'Start command', spellcheck: 'false', autocomplete: 'off',
+      placeholder: 'npm run dev', value: ownCommand ?? foundCommand ?? '',
+    }),
+    h('button', { class: 'button', type: 'submit' }, 'Save')),
+  h('p', { class: 'hint' }, ownCommand
+    ? ['Typed by you. ', foundCommand && h('button', {
+      class: 'link', type: 'button', onClick: () => saveProject(path, { command: null }, 'Back to the project’s own command.'),
+    }, `Use “${foundCommand}” instead`)]
+    : foundCommand ? 'Read from the project’s manifest. Type another one to replace it.' : 'The manifest names none. Type the command that starts the project.'));
+}
+
+function facts(project) {
+  const { run, manifests } = project;
+  return h('dl', { class: 'facts' },
+    h('dt', null, 'Kind'), h('dd', null, project.kind),
+    h('dt', null, 'Version'), h('dd', null, project.version ?? '–'),
+    h('dt', null, 'Found by'), h('dd', null, manifests.join(', ')),
+    run && !run.ended && [h('dt', null, 'Started'), h('dd', null, clock(run.startedAt)), h('dt', null, 'Process'), h('dd', { class: 'mono' }, String(run.pid))],
+    run?.ended && [h('dt', null, 'Last run'), h('dd', null, `${clock(run.startedAt)} – ${clock(run.endedAt)}`)]);
+}
+
+function portsOf({ ports, appRunning, running }) {
+  if (ports.length > 0) return h('div', { class: 'chips' }, ports.map(portLink));
+  return h('p', { class: 'hint' }, appRunning ? 'It listens on no port yet.' : running ? '' : 'None while it is not running.');
+}
+
+export function projectView({ overview, route }) {
+  const project = overview.projects.find(({ path }) => path === route.path);
+  const back = h('a', { class: 'back', href: '#/', key: 'back' }, icon('back', 14), 'Dashboard');
+  if (!project) {
+    if (!overview.ready) return [back, spinner('Looking for your projects…')];
+    return [back, empty('folder', 'This project is not here', `There is no project at ${route.path}. It may have been moved or removed, or its folder is not looked through any more.`)];
+  }
+  const { path, run } = project;
+  return [
+    back,
+    h('div', { class: 'head', key: 'head' },
+      glyph(project.kind, true),
+      h('div', { class: 'head-text' },
+        h('h1', null, project.name, project.version && h('span', { class: 'version' }, project.version)),
+        h('div', { class: 'head-line' }, status(project), copyable(path, shortPath(path, store.overview.home)))),
+      h('div', { class: 'actions' }, runButton(project, { isPrimary: true }))),
+    notices(project),
+    h('div', { class: 'columns', key: 'columns' },
+      h('section', { class: 'panel log-panel', 'aria-label': 'Output' },
+        h('div', { class: 'panel-head' }, h('h2', null, 'Output'), run?.command && h('code', { class: 'faint clip' }, run.command)),
+        logView(path, run)),
+      h('div', { class: 'aside' },
+        section('Ports', null, portsOf(project)),
+        section('Start command', null, commandForm(project)),
+        section('Menu bar', null, h('label', { class: 'switch-row' },
+          h('span', null, 'Show in the menu bar'),
+          h('input', {
+            type: 'checkbox', class: 'switch', role: 'switch', checked: project.menubar !== false,
+            onChange: (event) => saveProject(path, { menubar: event.target.checked ? null : false },
+              event.target.checked ? 'Shown in the menu bar.' : 'Hidden from the menu bar.'),
+          }))),
+        section('Details', null, facts(project)))),
+  ];
+}

@@ -1,0 +1,34 @@
+import { askForFolder, saveFolders } from '../actions.js';
+import { h } from '../dom.js';
+import { icon } from '../icons.js';
+import { copyable, pageHead, section } from '../parts.js';
+import { store } from '../store.js';
+import { shortPath } from '../text.js';
+
+function folderLine({ path, exists }, folders, home) {
+  const remove = () => saveFolders(folders.filter((folder) => folder.path !== path && folder.exists).map((folder) => folder.path));
+  return h('li', { key: path }, icon('folder'),
+    h('span', { class: 'mono grow clip', title: path }, shortPath(path, home)),
+    !exists && h('span', { class: 'status off' }, 'Not there'),
+    h('button', { class: 'button quiet square small', type: 'button', 'aria-label': `Do not look in ${path}`, onClick: remove }, icon('close', 14)));
+}
+
+export function settingsView({ overview }) {
+  const { folders, foldersAreDefault, home } = overview;
+  const { about } = store;
+  return [
+    pageHead('Settings', 'Kept on this machine, in your home folder.'),
+    h('div', { class: 'narrow stack-large', key: 'settings' },
+      section('Project folders', h('button', { class: 'button small', type: 'button', onClick: askForFolder }, 'Add a folder…'),
+        folders.length > 0
+          ? h('ul', { class: 'panel lines' }, folders.map((folder) => folderLine(folder, folders, home)))
+          : h('p', { class: 'quiet-note' }, 'No folder is looked through. Add one, or go back to the usual ones.'),
+        h('p', { class: 'hint' }, 'Projects are found by their manifest files, up to four folders deep. Changes show by themselves. ',
+          foldersAreDefault ? 'These are the usual places.' : h('button', { class: 'link', type: 'button', onClick: () => saveFolders(null) }, 'Go back to the usual places'))),
+      section('Menu bar', null, h('p', { class: 'hint' }, 'Running projects are listed in the menu bar. To leave one out, open the project and turn off “Show in the menu bar”.')),
+      about && section('Where things are', null, h('dl', { class: 'panel facts padded' },
+        h('dt', null, 'Settings'), h('dd', null, copyable(`${about.dataDirectory}/settings.json`, shortPath(`${about.dataDirectory}/settings.json`, home))),
+        h('dt', null, 'Output of projects'), h('dd', null, copyable(`${about.dataDirectory}/logs/projects`, shortPath(`${about.dataDirectory}/logs/projects`, home))),
+        h('dt', null, 'Server log'), h('dd', null, copyable(about.log, shortPath(about.log, home)))))),
+  ];
+}

@@ -1,0 +1,67 @@
+// A home of its own for a test, and the dashboard run in it as a shell would run it.
+import { spawn } from 'node:child_process';
+import { once } from 'node:events';
+import { mkdtemp, mkdir, rm, writeFile } from 'node:fs/promises';
+import { tmpdir } from 'node:os';
+import { dirname, join } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { stateOf } from './waiting.js';
+
+export const TOKEN = 'a1'.repeat(32);
+const script = fileURLToPath(new URL('../../server.js', import.meta.url));
+
+/** Writes `files`, a map from relative path to text (or an object, as JSON), below `folder`. */
+export async function writeTree(folder, files) {
+  for (const [path, content] of Object.entries(files)) {
+    const file = join(folder, path);
+    await mkdir(dirname(file), { recursive: true });
+    await writeFile(file, typeof content === 'string' ? content : JSON.stringify(content));
+  }
+}
+
+/** An empty home directory that is removed with the test. */
+export async function makeHome(t) {
+  const home = await mkdtemp(join(tmpdir(), 'harbrook-test-'));
+  t.after(() => rm(home, { recursive: true, force: true, maxRetries: 5, retryDelay: 100 }));
+  return home;
+}
+
+/**
+ * Runs the dashboard with `home` and its standard input held open. Fulfilled once it has announced its port, with
+ * `port`, `child`, `output()` and the requests `get` and `post`, which carry what an honest client carries.
+ */
+export async function startDashboard(t, home, environment = {}) {
+  const child = spawn(process.execPath, [script], {
+    env: { ...process.env, HOME: home, HARBROOK_PORT: '0', HARBROOK_TOKEN: TOKEN, DOCKER_HOST: `unix://${home}/none.sock`, ...environment },
+    stdio: ['pipe', 'pipe', 'pipe'],
+  });
+  let output = '';
+  child.stdout.on('data', (chunk) => { output += chunk; });
+  child.stderr.on('data', (chunk) => { output += chunk; });
+  child.stdin.on('error', () => {});
+  const ended = once(child, 'exit');
+  t.after(async () => {
+    child.kill('SIGTERM');
+    await ended;
+  });
+
+  const port = await new Promise((resolve, reject) => {
+    child.stdout.on('data', () => {
+      const match = /HARBROOK_PORT (\d+)\n/.exec(output);
+      if (match) resolve(Number(match[1]));
+    });
+    child.once('exit', (code) => reject(new Error(`The dashboard ended with ${code}: ${output}`)));
+  });
+  const address = `http://localhost:${port}`;
+  const headers = { 'X-Harbrook-Token': TOKEN };
+  return {
+    address, child, ended, port,
+    output: () => output,
+    get: (path) => fetch(`${address}/${path}`, { headers }),
+    json: async (path) => (await fetch(`${address}/${path}`, { headers })).json(),
+    post: (path, body) => fetch(`${address}/${path}`, {
+      method: 'POST', headers: { ...headers, 'Content-Type': 'application/json', 'X-Harbrook': '1' }, body: JSON.stringify(body),
+    }),
+    until: (condition) => stateOf({ address, headers }, condition),
+  };
+}

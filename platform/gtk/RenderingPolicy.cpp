@@ -1,0 +1,25 @@
+#include "platform/gtk/RenderingPolicy.h"
+
+#include "platform/gtk/EngineEnvironment.h"
+#include "platform/gtk/SandboxPreflight.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace harbrook::gtk {
+
+void prepareRendering() {
+    if (!hasRenderNode()) setEngineVariable("GSK_RENDERER", "cairo");
+    SandboxPreflight::begin();
+}
+
+bool hasRenderNode() {
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry("/dev/dri", error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (entry->path().filename().string().starts_with("renderD")) return true;
+    }
+    return false;
+}
+
+} // namespace harbrook::gtk

@@ -1,0 +1,54 @@
+#include "platform/gtk/WebEngine.h"
+
+#include "platform/gtk/RenderingPolicy.h"
+#include "platform/gtk/WebSession.h"
+
+namespace harbrook::gtk {
+
+namespace {
+
+GObjectPtr<WebKitSettings> makeSettings() {
+    auto settings = GObjectPtr<WebKitSettings>::adopt(webkit_settings_new());
+    // Every request for a window has to reach the shell, which opens none: without this the engine swallows
+    // those that come without a gesture of the user's.
+    webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
+    // Full screen is the window's to enter, not the page's.
+    webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
+    if (!hasRenderNode()) {
+        webkit_settings_set_hardware_acceleration_policy(
+            settings.get(), WEBKIT_HARDWARE_ACCELERATION_POLICY_NEVER);
+    }
+#ifndef NDEBUG
+    webkit_settings_set_enable_developer_extras(settings.get(), TRUE);
+#endif
+    return settings;
+}
+
+void addScript(WebKitUserContentManager* manager, const UserScript& script) {
+    WebKitUserScript* native = webkit_user_script_new(
+        script.source.c_str(),
+        script.forMainFrameOnly ? WEBKIT_USER_CONTENT_INJECT_TOP_FRAME
+                                : WEBKIT_USER_CONTENT_INJECT_ALL_FRAMES,
+        script.injectionTime == UserScriptInjectionTime::atDocumentStart
+            ? WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START
+            : WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_END,
+        nullptr, nullptr);
+    webkit_user_content_manager_add_script(manager, native);
+    webkit_user_script_unref(native);
+}
+
+} // namespace
+
+GObjectPtr<WebKitWebView> makeEngineView(const std::vector<UserScript>& scripts) {
+    // One store for all views of the process: two could not share its files.
+    static const auto session = makeDefaultSession();
+    const auto manager = GObjectPtr<WebKitUserContentManager>::adopt(webkit_user_content_manager_new());
+    for (const auto& script : scripts)
+        addScript(manager.get(), script);
+    const auto settings = makeSettings();
+    return GObjectPtr<WebKitWebView>::sink(WEBKIT_WEB_VIEW(g_object_new(
+        WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "user-content-manager", manager.get(),
+        "settings", settings.get(), nullptr)));
+}
+
+} // namespace harbrook::gtk

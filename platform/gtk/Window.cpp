@@ -1,0 +1,301 @@
+#include "platform/gtk/Window.h"
+
+#include "platform/gtk/Appearance.h"
+#include "platform/gtk/Application.h"
+#include "platform/gtk/StyleSheet.h"
+
+#include <cmath>
+#include <string>
+#include <utility>
+
+namespace harbrook::gtk {
+
+namespace {
+
+constexpr guint saveDelayInMilliseconds = 500;
+/// A pause of this length between two sizes ends a live resize.
+constexpr guint liveResizePauseInMilliseconds = 200;
+
+GObjectPtr<GtkWindow> makeNativeWindow(GtkApplication* application, Size size) {
+    auto window = GObjectPtr<GtkWindow>::share(GTK_WINDOW(gtk_application_window_new(application)));
+    gtk_window_set_default_size(window.get(), static_cast<int>(size.width), static_cast<int>(size.height));
+    // The program shows the menu bar in its own way.
+    gtk_application_window_set_show_menubar(GTK_APPLICATION_WINDOW(window.get()), FALSE);
+    gtk_widget_add_css_class(GTK_WIDGET(window.get()), "main-window");
+    // A title bar without height: the toolkit's frame around a content that has the whole window.
+    GtkWidget* titlebar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    gtk_widget_set_visible(titlebar, FALSE);
+    gtk_window_set_titlebar(window.get(), titlebar);
+    return window;
+}
+
+GObjectPtr<GtkOverlay> makeOverlay(GtkWindow* window) {
+    auto overlay = GObjectPtr<GtkOverlay>::sink(GTK_OVERLAY(gtk_overlay_new()));
+    gtk_widget_set_overflow(GTK_WIDGET(overlay.get()), GTK_OVERFLOW_HIDDEN);
+    gtk_window_set_child(window, GTK_WIDGET(overlay.get()));
+    return overlay;
+}
+
+} // namespace
+
+Window::Window(
+    Application& application, NotificationCenter& center, Rect contentRect, std::uint32_t styleMask)
+    : application_(application),
+      center_(center),
+      styleMask_(styleMask),
+      window_(makeNativeWindow(application.native(), contentRect.size)),
+      overlay_(makeOverlay(window_.get())),
+      style_(GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new())),
+      titlebar_(overlay_.get(), center, contentRect.size),
+      press_(window_.get()),
+      state_(window_.get(), [this](NotificationName name) { post(name); }),
+      placement_(window_.get(), [this] { saveFrameSoon(); }),
+      size_(contentRect.size) {
+    installStyleSheet();
+    connectSignals();
+}
+
+Window::~Window() {
+    for (const guint source : {pendingShow_, pendingSave_, liveResizeEnd_}) {
+        if (source) g_source_remove(source);
+    }
+    gtk_window_destroy(window_.get());
+}
+
+void Window::connectSignals() {
+    // Its area is that of the content. It hears of a new size inside the layout, before the buttons get their
+    // places in the same one.
+    GtkWidget* probe = gtk_drawing_area_new();
+    gtk_widget_set_can_target(probe, FALSE);
+    gtk_widget_insert_before(
+        probe, GTK_WIDGET(overlay_.get()), gtk_widget_get_first_child(GTK_WIDGET(overlay_.get())));
+    connections_.add(
+        probe, "resize",
+        [](GtkDrawingArea*, int width, int height, void* self) noexcept {
+            static_cast<Window*>(self)->contentSizeDidChange(width, height);
+        },
+        this);
+    connections_.add(
+        overlay_.get(), "get-child-position",
+        [](GtkOverlay* overlay, GtkWidget* child, GdkRectangle* allocation, void* self) noexcept -> gboolean {
+            const auto place = static_cast<Window*>(self)->titlebar_.allocation(
+                child, gtk_widget_get_height(GTK_WIDGET(overlay)));
+            if (place) *allocation = *place;
+            return place.has_value();
+        },
+        this);
+    connections_.add(
+        window_.get(), "close-request",
+        [](GtkWindow*, void* data) noexcept -> gboolean {
+            auto& self = *static_cast<Window*>(data);
+            self.orderOut();
+            self.application_.windowDidClose();
+            return TRUE;
+        },
+        this);
+    connections_.add(
+        window_.get(), "notify::fullscreened",
+        [](GtkWindow*, GParamSpec*, void* self) noexcept {
+            static_cast<Window*>(self)->fullScreenDidChange();
+        },
+        this);
+    const auto frameChanged = [](GtkWindow*, GParamSpec*, void* self) noexcept {
+        static_cast<Window*>(self)->saveFrameSoon();
+    };
+    for (const char* property : {"notify::default-width", "notify::default-height", "notify::maximized"}) {
+        connections_.add(window_.get(), property, frameChanged, this);
+    }
+}
+
+void Window::setTitle(const std::string& title) {
+    gtk_window_set_title(window_.get(), title.c_str());
+    application_.windowTitleDidChange();
+}
+
+void Window::setBackgroundColor(const Color& color) {
+    backgroundColor_ = color;
+    const auto apply = [this] {
+        const GdkRGBA concrete = Appearance::current().resolve(*backgroundColor_);
+        const GCharPtr text(gdk_rgba_to_string(&concrete));
+        const std::string style = std::string("window { background: ") + text.get() + "; }";
+        gtk_css_provider_load_from_data(style_.get(), style.c_str(), -1);
+    };
+    apply();
+    if (appearanceObserver_) return;
+    appearanceObserver_ = Appearance::current().onChange(apply);
+    gtk_style_context_add_provider(
+        gtk_widget_get_style_context(GTK_WIDGET(window_.get())), GTK_STYLE_PROVIDER(style_.get()),
+        GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+}
+
+void Window::setMinSize(Size size) {
+    gtk_widget_set_size_request(
+        GTK_WIDGET(overlay_.get()), static_cast<int>(size.width), static_cast<int>(size.height));
+}
+
+void Window::setContentView(std::shared_ptr<harbrook::View> view) {
+    contentView_ = std::dynamic_pointer_cast<View>(std::move(view));
+    GtkWidget* widget = contentView_ ? contentView_->widget() : nullptr;
+    gtk_overlay_set_child(overlay_.get(), widget);
+    press_.setContent(widget);
+    if (widget) gtk_window_set_focus(window_.get(), widget);
+}
+
+void Window::center() {
+    placement_.center(size_);
+}
+
+void Window::setFrameAutosaveName(const std::string& name) {
+    autosave_.emplace(name);
+    const auto saved = autosave_->load();
+    if (!saved) return;
+    gtk_window_set_default_size(
+        window_.get(), static_cast<int>(saved->size.width), static_cast<int>(saved->size.height));
+    placement_.center(saved->size);
+    if (saved->topLeft && isReachable(*saved->topLeft, saved->size)) placement_.setTopLeft(*saved->topLeft);
+    if (saved->isMaximized) gtk_window_maximize(window_.get());
+}
+
+void Window::makeKeyAndOrderFront() {
+    if (gtk_widget_get_realized(GTK_WIDGET(window_.get()))) {
+        show();
+        return;
+    }
+    if (pendingShow_) return;
+    const auto now = [](void* data) noexcept -> gboolean {
+        auto& self = *static_cast<Window*>(data);
+        self.pendingShow_ = 0;
+        self.show();
+        return G_SOURCE_REMOVE;
+    };
+    pendingShow_ = g_idle_add_full(G_PRIORITY_HIGH, now, this, nullptr);
+}
+
+void Window::show() {
+    gtk_window_present_with_time(window_.get(), placement_.serverTime());
+}
+
+void Window::orderOut() {
+    if (pendingShow_) g_source_remove(std::exchange(pendingShow_, 0));
+    if (!isVisible()) return;
+    saveFrame();
+    dismissMenuBar();
+    if (const auto place = placement_.topLeft()) placement_.setTopLeft(*place);
+    gtk_widget_set_visible(GTK_WIDGET(window_.get()), FALSE);
+}
+
+void Window::zoom() {
+    if (gtk_window_is_maximized(window_.get())) {
+        gtk_window_unmaximize(window_.get());
+    } else {
+        gtk_window_maximize(window_.get());
+    }
+}
+
+void Window::performWindowDragWithEvent(const Event& event) {
+    press_.moveWindow(event);
+}
+
+std::uint32_t Window::styleMask() {
+    return styleMask_;
+}
+
+Rect Window::frame() {
+    const auto topLeft = placement_.topLeft().value_or(Point{});
+    const double screenHeight = screenSize().height;
+    return {{topLeft.x, screenHeight - topLeft.y - size_.height}, size_};
+}
+
+std::shared_ptr<harbrook::View> Window::standardWindowButton(WindowButton button) {
+    return titlebar_.button(button);
+}
+
+std::int64_t Window::windowNumber() {
+    if (const auto identifier = placement_.identifier()) return identifier;
+    return gtk_application_window_get_id(GTK_APPLICATION_WINDOW(window_.get()));
+}
+
+void Window::setMainMenu(const MainMenu& menu) {
+    menuBar_ = std::make_unique<MenuBar>(window_.get(), overlay_.get(), menu.model());
+    GtkWidget* widget = GTK_WIDGET(window_.get());
+    if (editingShortcuts_) gtk_widget_remove_controller(widget, editingShortcuts_.get());
+    editingShortcuts_ = menu.editingShortcuts();
+    gtk_widget_add_controller(widget, GObjectPtr(editingShortcuts_).release());
+}
+
+void Window::dismissMenuBar() {
+    if (menuBar_) menuBar_->dismiss();
+}
+
+void Window::contentSizeDidChange(int width, int height) {
+    const Size size = {static_cast<double>(width), static_cast<double>(height)};
+    if (size == size_) return;
+    const Size before = std::exchange(size_, size);
+    const auto layout = titlebar_.layoutUnderWay();
+    titlebar_.windowSizeDidChange(before, size);
+    post(NotificationName::NSWindowDidResizeNotification);
+
+    if (liveResizeEnd_) g_source_remove(liveResizeEnd_);
+    const auto paused = [](void* data) noexcept -> gboolean {
+        auto& self = *static_cast<Window*>(data);
+        self.liveResizeEnd_ = 0;
+        self.post(NotificationName::NSWindowDidEndLiveResizeNotification);
+        return G_SOURCE_REMOVE;
+    };
+    liveResizeEnd_ = g_timeout_add(liveResizePauseInMilliseconds, paused, this);
+}
+
+void Window::fullScreenDidChange() {
+    if (gtk_window_is_fullscreen(window_.get())) {
+        post(NotificationName::NSWindowWillEnterFullScreenNotification);
+        styleMask_ |= NSWindowStyleMaskFullScreen;
+        titlebar_.setVisible(false);
+    } else {
+        styleMask_ &= ~static_cast<std::uint32_t>(NSWindowStyleMaskFullScreen);
+        titlebar_.setVisible(true);
+        post(NotificationName::NSWindowDidExitFullScreenNotification);
+    }
+}
+
+void Window::saveFrame() {
+    if (pendingSave_) g_source_remove(std::exchange(pendingSave_, 0));
+    if (!autosave_ || !isVisible() || gtk_window_is_fullscreen(window_.get())) return;
+    SavedFrame frame;
+    int width = 0;
+    int height = 0;
+    gtk_window_get_default_size(window_.get(), &width, &height);
+    frame.size = {static_cast<double>(width), static_cast<double>(height)};
+    frame.isMaximized = gtk_window_is_maximized(window_.get());
+    if (!frame.isMaximized) ownTopLeft_ = placement_.topLeft();
+    frame.topLeft = ownTopLeft_;
+    autosave_->save(frame);
+}
+
+void Window::saveFrameSoon() {
+    if (!autosave_ || pendingSave_) return;
+    const auto later = [](void* data) noexcept -> gboolean {
+        auto& self = *static_cast<Window*>(data);
+        self.pendingSave_ = 0;
+        self.saveFrame();
+        return G_SOURCE_REMOVE;
+    };
+    pendingSave_ = g_timeout_add(saveDelayInMilliseconds, later, this);
+}
+
+void Window::post(NotificationName name) {
+    center_.post(name, static_cast<harbrook::Window*>(this));
+}
+
+std::shared_ptr<harbrook::Window> makeWindow(
+    Application& application, NotificationCenter& center, Rect contentRect, std::uint32_t styleMask) {
+    auto window = std::make_shared<Window>(application, center, contentRect, styleMask);
+    application.addWindow(window);
+    return window;
+}
+
+GtkWindow* nativeWindow(const std::shared_ptr<harbrook::Window>& window) {
+    const auto native = std::dynamic_pointer_cast<Window>(window);
+    return native ? native->native() : nullptr;
+}
+
+} // namespace harbrook::gtk

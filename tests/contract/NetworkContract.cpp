@@ -1,0 +1,125 @@
+#include "tests/contract/Desktop.h"
+#include "tests/contract/Shared.h"
+
+#include <atomic>
+
+namespace harbrook::contract {
+
+namespace {
+
+class Network : public Contract {
+protected:
+    struct Outcome {
+        std::optional<std::string> body;
+        std::optional<URLResponse> response;
+        std::optional<Error> error;
+        int calls = 0;
+        bool onMainThread = false;
+    };
+
+    [[nodiscard]] Outcome exchange(URLRequest request) {
+        Shared<Outcome> outcome;
+        // The task is not kept: the exchange goes on without it.
+        platform()
+            .sharedSession()
+            .dataTaskWithRequest(
+                std::move(request),
+                [&](std::optional<std::string> body, std::optional<URLResponse> response,
+                    std::optional<Error> error) {
+                    const bool onMainThread = platform().isMainThread();
+                    outcome.change([&](Outcome& all) {
+                        all = {std::move(body), response, std::move(error), all.calls + 1, onMainThread};
+                    });
+                })
+            ->resume();
+        EXPECT_TRUE(runUntil([&] { return outcome.get().calls > 0; }));
+        desktop().pass(0.05);
+        return outcome.get();
+    }
+
+    /// Asks for an address that answers like this.
+    [[nodiscard]] Outcome get(const Answer& answer, double timeout = 60) {
+        URLRequest request(desktop().serve(answer));
+        request.timeoutInterval = timeout;
+        return exchange(std::move(request));
+    }
+};
+
+TEST_P(Network, an_answer_brings_its_body_and_status_off_the_main_thread) {
+    const auto outcome = get({.status = 200, .body = "words"});
+    EXPECT_EQ(outcome.body, "words");
+    EXPECT_EQ(outcome.response, URLResponse{200});
+    EXPECT_EQ(outcome.error, std::nullopt);
+    EXPECT_FALSE(outcome.onMainThread);
+    EXPECT_EQ(outcome.calls, 1);
+}
+
+TEST_P(Network, an_error_status_is_an_answer_too) {
+    const auto outcome = get({.status = 500, .body = "broken"});
+    EXPECT_EQ(outcome.body, "broken");
+    EXPECT_EQ(outcome.response, URLResponse{500});
+    EXPECT_FALSE(outcome.error.has_value());
+}
+
+TEST_P(Network, an_answer_may_have_an_empty_body) {
+    const auto outcome = get({.status = 200});
+    EXPECT_EQ(outcome.body, "");
+    EXPECT_EQ(outcome.response, URLResponse{200});
+}
+
+TEST_P(Network, a_refused_connection_is_an_error_without_body) {
+    const auto outcome = exchange(URLRequest(*URL::URLWithString("http://localhost:1/api/state")));
+    EXPECT_EQ(outcome.body, std::nullopt);
+    EXPECT_EQ(outcome.response, std::nullopt);
+    ASSERT_TRUE(outcome.error.has_value());
+    EXPECT_NE(outcome.error->localizedDescription, "");
+    EXPECT_EQ(outcome.calls, 1);
+}
+
+TEST_P(Network, a_late_answer_is_a_timeout_at_the_exact_time) {
+    const double start = desktop().now();
+    const auto outcome = get({.status = 200, .body = "late", .delay = 1.0}, 0.3);
+    EXPECT_GE(desktop().now() - start, 0.3);
+    EXPECT_LT(desktop().now() - start, 0.9);
+    EXPECT_EQ(outcome.body, std::nullopt);
+    ASSERT_TRUE(outcome.error.has_value());
+    desktop().pass(1.0);
+}
+
+TEST_P(Network, an_answer_within_the_time_is_not_a_timeout) {
+    const auto outcome = get({.body = "slow", .delay = 0.1}, 10);
+    EXPECT_EQ(outcome.body, "slow");
+}
+
+TEST_P(Network, nothing_is_sent_before_resume) {
+    std::atomic<int> calls = 0;
+    const auto task = platform().sharedSession().dataTaskWithRequest(
+        URLRequest(desktop().serve({.body = "words"})), [&](auto, auto, auto) { ++calls; });
+    desktop().pass(0.1);
+    EXPECT_EQ(calls, 0);
+    task->resume();
+    EXPECT_TRUE(runUntil([&] { return calls == 1; }));
+}
+
+TEST_P(Network, the_quicker_answer_comes_first_whatever_was_sent_first) {
+    Shared<std::string> order;
+    const auto send = [&](const Answer& answer) {
+        platform()
+            .sharedSession()
+            .dataTaskWithRequest(
+                URLRequest(desktop().serve(answer)),
+                [&order](std::optional<std::string> body, auto, auto) {
+                    order.change([&](std::string& all) { all += body.value_or("none") + " "; });
+                })
+            ->resume();
+    };
+    send({.body = "slow", .delay = 0.3});
+    send({.body = "quick"});
+    EXPECT_TRUE(runUntil([&] { return order.get() == "quick slow "; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(On, Network, testing::ValuesIn(factories()), nameOf);
+
+} // namespace
+
+} // namespace harbrook::contract

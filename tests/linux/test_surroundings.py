@@ -1,0 +1,58 @@
+"""Desktops that lack something or do not answer."""
+
+import time
+
+import pytest
+
+NEVER_ANSWERS = "/bin/sleep 600"
+
+# Enough for a loaded machine, far below the 25 seconds that a stalled bus call takes.
+PROMPTLY = 8.0
+
+
+def assert_starts_promptly(shell):
+    started = time.monotonic()
+    shell.start()
+    shell.server.wait_for("started", within=PROMPTLY)
+    shell.window(within=PROMPTLY)
+    shell.server.wait_for_page(within=PROMPTLY)
+    assert time.monotonic() - started < PROMPTLY
+
+
+@pytest.mark.parametrize(
+    "services",
+    [
+        {"org.freedesktop.portal.Desktop": NEVER_ANSWERS},
+        {"org.freedesktop.portal.Desktop": "/bin/false"},
+        {"org.freedesktop.portal.Desktop": NEVER_ANSWERS, "ca.desrt.dconf": NEVER_ANSWERS},
+    ],
+    ids=["stalled portal", "broken portal", "stalled portal and settings"],
+)
+@pytest.mark.parametrize("use_portals", [None, "1"], ids=["", "told to use portals"])
+def test_a_portal_in_trouble_holds_nothing_up(make_desktop, make_shell, services, use_portals):
+    environment = {"GTK_USE_PORTAL": use_portals}
+    assert_starts_promptly(make_shell(desktop=make_desktop(services=services), environment=environment))
+
+
+def test_without_a_session_bus_it_starts_promptly(make_desktop, make_shell):
+    assert_starts_promptly(make_shell(desktop=make_desktop(bus=False)))
+
+
+def test_the_page_runs_in_the_sandbox(running):
+    assert any(one.name == "bwrap" for one in running.processes())
+
+
+def test_where_namespaces_are_refused_it_runs_without_the_sandbox(make_shell):
+    shell = make_shell()
+    refusing = ["unshare", "--user", "--map-root-user", "sh", "-c"]
+    shell.start(through=[*refusing, 'echo 0 >/proc/sys/user/max_user_namespaces && exec "$@"', "sh"])
+    shell.server.wait_for_page()
+    assert not any(one.name == "bwrap" for one in shell.processes())
+    shell.quit()
+    shell.wait_until_ended()
+
+
+def test_without_a_writable_home_it_still_starts(make_shell):
+    shell = make_shell(environment={"HOME": "/proc/nowhere"})
+    shell.start()
+    shell.server.wait_for_page()
