@@ -39,7 +39,8 @@ struct Menu {
     MenuRole role = MenuRole::none;
 
     Menu& addItem(MenuItem item);
-    MenuItem& addItemWithTitle(std::string title, std::string action = {}, std::string keyEquivalent = {});
+    MenuItem& addItemWithTitle(
+        std::string itemTitle, std::string action = {}, std::string keyEquivalent = {});
     void addSeparator();
 
     bool operator==(const Menu& other) const;
@@ -80,9 +81,10 @@ inline Menu& Menu::addItem(MenuItem item) {
     return *this;
 }
 
-inline MenuItem& Menu::addItemWithTitle(std::string title, std::string action, std::string keyEquivalent) {
+inline MenuItem& Menu::addItemWithTitle(
+    std::string itemTitle, std::string action, std::string keyEquivalent) {
     MenuItem item;
-    item.title = std::move(title);
+    item.title = std::move(itemTitle);
     item.action = std::move(action);
     item.keyEquivalent = std::move(keyEquivalent);
     return items.emplace_back(std::move(item));

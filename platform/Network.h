@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace harbrook {
 
@@ -15,6 +16,8 @@ enum class CachePolicy { useProtocolCachePolicy = 0 };
 
 /// Time-outs are in seconds and hold for the whole exchange.
 struct URLRequest {
+    explicit URLRequest(URL address) : url(std::move(address)) {}
+
     URL url;
     CachePolicy cachePolicy = CachePolicy::useProtocolCachePolicy;
     double timeoutInterval = 60.0;
