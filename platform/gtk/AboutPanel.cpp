@@ -21,7 +21,10 @@ GObjectPtr<GtkWindow> makeAboutPanel() {
     auto* about = GTK_ABOUT_DIALOG(panel.get());
     gtk_about_dialog_set_program_name(about, applicationName);
     gtk_about_dialog_set_version(about, HARBROOK_VERSION);
-    gtk_about_dialog_set_logo_icon_name(about, applicationIdentifier);
+    // A start from a place that has not been installed may find no icon.
+    auto* icons = gtk_icon_theme_get_for_display(gtk_widget_get_display(GTK_WIDGET(about)));
+    const bool hasIcon = gtk_icon_theme_has_icon(icons, applicationIdentifier);
+    gtk_about_dialog_set_logo_icon_name(about, hasIcon ? applicationIdentifier : nullptr);
     gtk_window_set_hide_on_close(panel.get(), TRUE);
     return panel;
 }
@@ -35,6 +38,8 @@ void showAboutPanel(GtkWindow* panel, const AboutPanelOptions& options, GtkWindo
         }
     }
     gtk_window_set_transient_for(panel, parent);
+    // The panel would start with its first text selected.
+    gtk_window_set_focus(panel, nullptr);
     gtk_window_present(panel);
 }
 

@@ -160,7 +160,7 @@ void Application::windowTitleDidChange() {
     if (!mainMenu_) return;
     std::vector<std::string> titles;
     for (const auto& window : windows())
-        titles.emplace_back(window->title());
+        titles.push_back(window->title());
     mainMenu_->setWindowTitles(titles, [this](std::size_t index) {
         const auto all = windows();
         if (index < all.size()) all[index]->makeKeyAndOrderFront();

@@ -37,6 +37,8 @@ private:
     using Invocation = GObjectPtr<GDBusMethodInvocation>;
     enum class Announcement { signal, answer };
 
+    /// `makeValue` may run on another thread.
+    void answer(Invocation invocation, std::function<GVariant*()> makeValue) const;
     void getLayout(GVariant* arguments, Invocation invocation);
     void getGroupProperties(GVariant* arguments, Invocation invocation);
     void getProperty(GVariant* arguments, Invocation invocation);

@@ -1,5 +1,6 @@
 // The methods and properties of com.canonical.dbusmenu: arguments in, answers out.
 
+#include "platform/gtk/DBusAnswer.h"
 #include "platform/gtk/DBusMenu.h"
 #include "platform/gtk/DBusMenuInterface.h"
 #include "platform/gtk/MenuVariant.h"
@@ -11,6 +12,9 @@ namespace harbrook::gtk {
 namespace {
 
 constexpr std::uint32_t protocolVersion = 3;
+
+/// Larger menus take milliseconds to put into words, so the main thread does not do that.
+constexpr std::size_t rowsAnsweredAtOnce = 250;
 
 std::string unknownRow(std::int32_t id) {
     return "The menu has no row " + std::to_string(id);
@@ -77,31 +81,29 @@ void DBusMenu::getLayout(GVariant* arguments, Invocation invocation) {
     const GVariantPtr ownedNames(names);
     const auto index = published_->indexOf(parent);
     if (!index) return returnInvalidArguments(std::move(invocation), unknownRow(parent));
-    returnValue(
+    answer(
         std::move(invocation),
-        g_variant_new(
-            "(u@(ia{sv}av))", revision_, menuTree(*published_, *index, depth, propertyNames(names))));
+        [layout = published_, revision = revision_, index = *index, depth, wanted = propertyNames(names)] {
+            return g_variant_new("(u@(ia{sv}av))", revision, menuTree(*layout, index, depth, wanted));
+        });
 }
 
 void DBusMenu::getGroupProperties(GVariant* arguments, Invocation invocation) {
     const GVariantPtr idVariant(g_variant_get_child_value(arguments, 0));
     const GVariantPtr nameVariant(g_variant_get_child_value(arguments, 1));
-    const auto names = propertyNames(nameVariant.get());
-    GVariantBuilder answer;
-    g_variant_builder_init(&answer, G_VARIANT_TYPE("a(ia{sv})"));
-    const auto add = [&](const MenuLayout::Row& row) {
-        g_variant_builder_add(&answer, "(i@a{sv})", row.id, menuProperties(row.item, names));
-    };
-    const auto wanted = ids(idVariant.get());
-    for (const auto id : wanted) {
-        if (const auto index = published_->indexOf(id)) add(published_->rows()[*index]);
+    answer(
+        std::move(invocation),
+        [layout = published_, wanted = ids(idVariant.get()), names = propertyNames(nameVariant.get())] {
+            return g_variant_new("(@a(ia{sv}))", menuPropertiesOfRows(*layout, wanted, names));
+        });
+}
+
+void DBusMenu::answer(Invocation invocation, std::function<GVariant*()> makeValue) const {
+    if (published_->rows().size() > rowsAnsweredAtOnce) {
+        returnValueFromWorker(std::move(invocation), std::move(makeValue));
+    } else {
+        returnValue(std::move(invocation), makeValue());
     }
-    // No ids stand for all of them.
-    if (wanted.empty()) {
-        for (const auto& row : published_->rows())
-            add(row);
-    }
-    returnValue(std::move(invocation), g_variant_new("(a(ia{sv}))", &answer));
 }
 
 void DBusMenu::getProperty(GVariant* arguments, Invocation invocation) {

@@ -42,13 +42,4 @@ void DBusObject::emitSignal(const char* name, GVariant* arguments) {
         connection_.get(), nullptr, path_.c_str(), interface_.c_str(), name, arguments, nullptr);
 }
 
-void returnInvalidArguments(GObjectPtr<GDBusMethodInvocation> invocation, const std::string& message) {
-    g_dbus_method_invocation_return_error_literal(
-        invocation.release(), G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS, message.c_str());
-}
-
-void returnValue(GObjectPtr<GDBusMethodInvocation> invocation, GVariant* value) {
-    g_dbus_method_invocation_return_value(invocation.release(), value);
-}
-
 } // namespace harbrook::gtk

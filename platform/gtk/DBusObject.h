@@ -45,9 +45,4 @@ private:
     guint registration_ = 0;
 };
 
-/// Answers a call with an error that says what was wrong with its arguments.
-void returnInvalidArguments(GObjectPtr<GDBusMethodInvocation> invocation, const std::string& message);
-/// Answers a call; `value` is a tuple (a floating one is consumed) or null for none.
-void returnValue(GObjectPtr<GDBusMethodInvocation> invocation, GVariant* value = nullptr);
-
 } // namespace harbrook::gtk

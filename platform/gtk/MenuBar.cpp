@@ -110,20 +110,20 @@ void MenuBar::toggle() {
     if (desktopShowsMenuBar(bar_.get())) return;
     focusBefore_ = GObjectPtr<GtkWidget>::share(gtk_window_get_focus(window_));
     gtk_widget_set_visible(bar_.get(), TRUE);
-    gtk_widget_child_focus(bar_.get(), GTK_DIR_TAB_FORWARD);
+    gtk_widget_grab_focus(gtk_widget_get_first_child(bar_.get()));
 }
 
 void MenuBar::dismiss() {
     if (!gtk_widget_get_visible(bar_.get())) return;
     const auto before = std::exchange(focusBefore_, nullptr);
+    GtkWidget* focus = gtk_window_get_focus(window_);
+    // Before the bar goes: the toolkit would choose somebody else for a focus that is hidden.
+    if (before && (!focus || gtk_widget_is_ancestor(focus, bar_.get()))) gtk_widget_grab_focus(before.get());
     for (GtkWidget* item = gtk_widget_get_first_child(bar_.get()); item;
          item = gtk_widget_get_next_sibling(item)) {
         if (GtkWidget* menu = popover(item)) gtk_popover_popdown(GTK_POPOVER(menu));
     }
-    GtkWidget* focus = gtk_window_get_focus(window_);
-    const bool hasFocus = focus && (focus == bar_.get() || gtk_widget_is_ancestor(focus, bar_.get()));
     gtk_widget_set_visible(bar_.get(), FALSE);
-    if (before && (hasFocus || !gtk_window_get_focus(window_))) gtk_window_set_focus(window_, before.get());
 }
 
 gboolean MenuBar::keyPressed(guint key, GdkModifierType state, guint32 time) {
@@ -135,11 +135,46 @@ gboolean MenuBar::keyPressed(guint key, GdkModifierType state, guint32 time) {
         toggle();
         return GDK_EVENT_STOP;
     }
-    if (key == GDK_KEY_Escape && gtk_widget_get_visible(bar_.get())) {
+    GtkWidget* item = gtk_window_get_focus(window_);
+    if (!item || gtk_widget_get_parent(item) != bar_.get()) return GDK_EVENT_PROPAGATE;
+    return itemKeyPressed(item, key);
+}
+
+gboolean MenuBar::itemKeyPressed(GtkWidget* item, guint key) {
+    // The toolkit's bar knows the keys of an open menu only.
+    const bool isLeftToRight = gtk_widget_get_direction(bar_.get()) != GTK_TEXT_DIR_RTL;
+    switch (key) {
+    case GDK_KEY_Escape:
         dismiss();
         return GDK_EVENT_STOP;
+    case GDK_KEY_Left:
+    case GDK_KEY_KP_Left:
+        focusNeighbour(item, !isLeftToRight);
+        return GDK_EVENT_STOP;
+    case GDK_KEY_Right:
+    case GDK_KEY_KP_Right:
+        focusNeighbour(item, isLeftToRight);
+        return GDK_EVENT_STOP;
+    case GDK_KEY_Up:
+    case GDK_KEY_KP_Up:
+    case GDK_KEY_Down:
+    case GDK_KEY_KP_Down:
+    case GDK_KEY_Return:
+    case GDK_KEY_KP_Enter:
+    case GDK_KEY_space:
+        gtk_widget_activate(item);
+        return GDK_EVENT_STOP;
+    default:
+        return GDK_EVENT_PROPAGATE;
     }
-    return GDK_EVENT_PROPAGATE;
+}
+
+void MenuBar::focusNeighbour(GtkWidget* item, bool next) {
+    GtkWidget* neighbour = next ? gtk_widget_get_next_sibling(item) : gtk_widget_get_prev_sibling(item);
+    if (!neighbour) {
+        neighbour = next ? gtk_widget_get_first_child(bar_.get()) : gtk_widget_get_last_child(bar_.get());
+    }
+    gtk_widget_grab_focus(neighbour);
 }
 
 void MenuBar::keyReleased(guint key) {

@@ -23,6 +23,8 @@ private:
     void toggle();
     void watchItems();
     gboolean keyPressed(guint key, GdkModifierType state, guint32 time);
+    gboolean itemKeyPressed(GtkWidget* item, guint key);
+    void focusNeighbour(GtkWidget* item, bool next);
     void keyReleased(guint key);
     void pointerPressed(double x, double y);
     void leaveSoon();

@@ -89,6 +89,23 @@ GVariant* changeableMenuProperties(const MenuItem& item) {
     return properties.finish();
 }
 
+GVariant* menuPropertiesOfRows(
+    const MenuLayout& layout, const std::vector<std::int32_t>& ids, const PropertyNames& names) {
+    GVariantBuilder answer;
+    g_variant_builder_init(&answer, G_VARIANT_TYPE("a(ia{sv})"));
+    const auto add = [&](const MenuLayout::Row& row) {
+        g_variant_builder_add(&answer, "(i@a{sv})", row.id, menuProperties(row.item, names));
+    };
+    for (const auto id : ids) {
+        if (const auto index = layout.indexOf(id)) add(layout.rows()[*index]);
+    }
+    if (ids.empty()) {
+        for (const auto& row : layout.rows())
+            add(row);
+    }
+    return g_variant_builder_end(&answer);
+}
+
 GVariant* menuTree(const MenuLayout& layout, std::size_t index, int depth, const PropertyNames& names) {
     const auto& row = layout.rows()[index];
     GVariantBuilder children;

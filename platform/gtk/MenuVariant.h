@@ -29,6 +29,11 @@ using PropertyNames = std::vector<std::string>;
 /// Label and enabled state, defaults or not, as `a{sv}`: what a host has to hear when they changed.
 [[nodiscard]] GVariant* changeableMenuProperties(const MenuItem& item);
 
+/// The properties of the rows with these ids, or of all rows when there are none, as `a(ia{sv})`. Ids without
+/// a row are passed over.
+[[nodiscard]] GVariant* menuPropertiesOfRows(
+    const MenuLayout& layout, const std::vector<std::int32_t>& ids, const PropertyNames& names);
+
 /// The row at `index` with `depth` levels below it (all of them when negative), as `(ia{sv}av)`.
 [[nodiscard]] GVariant* menuTree(
     const MenuLayout& layout, std::size_t index, int depth, const PropertyNames& names);

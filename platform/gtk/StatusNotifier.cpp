@@ -1,5 +1,6 @@
 #include "platform/gtk/StatusNotifier.h"
 
+#include "platform/gtk/DBusAnswer.h"
 #include "platform/gtk/StatusNotifierInterface.h"
 #include "platform/gtk/VariantText.h"
 

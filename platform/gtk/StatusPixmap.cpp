@@ -16,7 +16,7 @@ constexpr std::array sides = {16, 18, 22, 24, 32, 36, 44, 48, 64};
 constexpr SRGBColor darkInk = {0.14, 0.15, 0.16, 1};
 constexpr SRGBColor lightInk = {0.96, 0.96, 0.95, 1};
 constexpr SRGBColor badgeFill = {0.11, 0.44, 0.85, 1};
-constexpr double edgeOpacity = 0.55;
+constexpr double edgeOpacity = 0.75;
 
 void setColor(cairo_t* context, const SRGBColor& color, double opacity = 1) {
     cairo_set_source_rgba(context, color.red, color.green, color.blue, color.alpha * opacity);
@@ -65,7 +65,7 @@ void roundedRectangle(cairo_t* context, Rect rect, double radius) {
 
 /// A pill in the lower right corner, clear of the dot that is half-way up.
 void paintBadge(cairo_t* context, const std::string& text, int side) {
-    const double height = std::round(side * 0.56);
+    const double height = std::round(side * 0.5);
     cairo_select_font_face(context, "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
     cairo_set_font_size(context, height * 0.95);
     cairo_text_extents_t extents;

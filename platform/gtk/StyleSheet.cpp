@@ -42,6 +42,7 @@ button.titlebar-button:focus-visible {
   border-bottom: 1px solid alpha(@theme_fg_color, 0.15);
 }
 .main-window-menubar > item { min-height: 24px; padding: 0 9px; }
+.main-window-menubar > item:focus { background-color: alpha(@theme_fg_color, 0.12); }
 
 window.sheet > windowhandle > box { padding: 22px; }
 window.sheet label.message { font-size: 1.05em; }

@@ -111,6 +111,10 @@ void TitlebarButtons::setVisible(bool flag) {
         gtk_widget_set_visible(button->widget(), flag);
 }
 
+void TitlebarButtons::grabFocus() {
+    gtk_widget_grab_focus(buttons_.front()->widget());
+}
+
 std::optional<GdkRectangle> TitlebarButtons::allocation(GtkWidget* widget, int windowHeight) const {
     const auto button = std::ranges::find(buttons_, widget, [](const auto& each) { return each->widget(); });
     if (button == buttons_.end()) return std::nullopt;

@@ -24,6 +24,8 @@ public:
     /// Keeps the container at the top edge, and as wide as the window.
     void windowSizeDidChange(Size from, Size to);
     void setVisible(bool flag);
+    /// Gives the keyboard to the first of the buttons.
+    void grabFocus();
     /// While the result is kept, moved buttons do not ask for another layout: the one under way will find
     /// them.
     [[nodiscard]] std::shared_ptr<void> layoutUnderWay();

@@ -2,6 +2,8 @@
 
 #include "platform/gtk/Appearance.h"
 #include "platform/gtk/Application.h"
+#include "platform/gtk/EngineKeys.h"
+#include "platform/gtk/Sheet.h"
 #include "platform/gtk/StyleSheet.h"
 
 #include <cmath>
@@ -46,12 +48,14 @@ Window::Window(
       window_(makeNativeWindow(application.native(), contentRect.size)),
       overlay_(makeOverlay(window_.get())),
       style_(GObjectPtr<GtkCssProvider>::adopt(gtk_css_provider_new())),
+      edges_(window_.get(), overlay_.get()),
       titlebar_(overlay_.get(), center, contentRect.size),
       press_(window_.get()),
       state_(window_.get(), [this](NotificationName name) { post(name); }),
       placement_(window_.get(), [this] { saveFrameSoon(); }),
       size_(contentRect.size) {
     installStyleSheet();
+    withholdUnsafeKeys(window_.get());
     connectSignals();
 }
 
@@ -99,6 +103,17 @@ void Window::connectSignals() {
             static_cast<Window*>(self)->fullScreenDidChange();
         },
         this);
+    const auto moveFocus = [](GtkWidget*, GVariant*, void* self) noexcept -> gboolean {
+        static_cast<Window*>(self)->moveFocusBetweenPageAndTitlebar();
+        return TRUE;
+    };
+    GtkEventController* keys = gtk_shortcut_controller_new();
+    gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
+    gtk_shortcut_controller_add_shortcut(
+        GTK_SHORTCUT_CONTROLLER(keys), gtk_shortcut_new(
+                                           gtk_keyval_trigger_new(GDK_KEY_F6, GdkModifierType{}),
+                                           gtk_callback_action_new(moveFocus, this, nullptr)));
+    gtk_widget_add_controller(GTK_WIDGET(window_.get()), keys);
     const auto frameChanged = [](GtkWindow*, GParamSpec*, void* self) noexcept {
         static_cast<Window*>(self)->saveFrameSoon();
     };
@@ -107,9 +122,25 @@ void Window::connectSignals() {
     }
 }
 
+void Window::moveFocusBetweenPageAndTitlebar() {
+    GtkWidget* focus = gtk_window_get_focus(window_.get());
+    GtkWidget* page = contentView_ ? contentView_->widget() : nullptr;
+    const bool isOnPage = focus && page && (focus == page || gtk_widget_is_ancestor(focus, page));
+    if (isOnPage) {
+        titlebar_.grabFocus();
+    } else if (page) {
+        gtk_widget_grab_focus(page);
+    }
+}
+
 void Window::setTitle(const std::string& title) {
     gtk_window_set_title(window_.get(), title.c_str());
     application_.windowTitleDidChange();
+}
+
+std::string Window::title() const {
+    const char* title = gtk_window_get_title(window_.get());
+    return title ? title : "";
 }
 
 void Window::setBackgroundColor(const Color& color) {
@@ -151,9 +182,13 @@ void Window::setFrameAutosaveName(const std::string& name) {
     if (!saved) return;
     gtk_window_set_default_size(
         window_.get(), static_cast<int>(saved->size.width), static_cast<int>(saved->size.height));
-    placement_.center(saved->size);
-    if (saved->topLeft && isReachable(*saved->topLeft, saved->size)) placement_.setTopLeft(*saved->topLeft);
-    if (saved->isMaximized) gtk_window_maximize(window_.get());
+    if (saved->topLeft && isReachable(*saved->topLeft, saved->size)) {
+        ownTopLeft_ = saved->topLeft;
+        placement_.setTopLeft(*saved->topLeft);
+    } else {
+        placement_.center(saved->size);
+    }
+    showsMaximized_ = saved->isMaximized;
 }
 
 void Window::makeKeyAndOrderFront() {
@@ -173,6 +208,10 @@ void Window::makeKeyAndOrderFront() {
 
 void Window::show() {
     gtk_window_present_with_time(window_.get(), placement_.serverTime());
+    // Only now: an X11 window manager takes the size and place that a window is mapped with as those to go
+    // back to.
+    if (std::exchange(showsMaximized_, false)) gtk_window_maximize(window_.get());
+    showSheets(window_.get());
 }
 
 void Window::orderOut() {
@@ -180,8 +219,11 @@ void Window::orderOut() {
     if (!isVisible()) return;
     saveFrame();
     dismissMenuBar();
-    if (const auto place = placement_.topLeft()) placement_.setTopLeft(*place);
+    if (ownTopLeft_) placement_.setTopLeft(*ownTopLeft_);
+    hideSheets(window_.get());
     gtk_widget_set_visible(GTK_WIDGET(window_.get()), FALSE);
+    showsMaximized_ = gtk_window_is_maximized(window_.get());
+    if (showsMaximized_) gtk_window_unmaximize(window_.get());
 }
 
 void Window::zoom() {
@@ -259,7 +301,7 @@ void Window::fullScreenDidChange() {
 
 void Window::saveFrame() {
     if (pendingSave_) g_source_remove(std::exchange(pendingSave_, 0));
-    if (!autosave_ || !isVisible() || gtk_window_is_fullscreen(window_.get())) return;
+    if (!isVisible() || gtk_window_is_fullscreen(window_.get())) return;
     SavedFrame frame;
     int width = 0;
     int height = 0;
@@ -268,11 +310,11 @@ void Window::saveFrame() {
     frame.isMaximized = gtk_window_is_maximized(window_.get());
     if (!frame.isMaximized) ownTopLeft_ = placement_.topLeft();
     frame.topLeft = ownTopLeft_;
-    autosave_->save(frame);
+    if (autosave_) autosave_->save(frame);
 }
 
 void Window::saveFrameSoon() {
-    if (!autosave_ || pendingSave_) return;
+    if (pendingSave_) return;
     const auto later = [](void* data) noexcept -> gboolean {
         auto& self = *static_cast<Window*>(data);
         self.pendingSave_ = 0;

@@ -4,6 +4,7 @@
 #include "platform/gtk/FrameAutosave.h"
 #include "platform/gtk/MenuBar.h"
 #include "platform/gtk/PointerPress.h"
+#include "platform/gtk/ResizeEdges.h"
 #include "platform/gtk/TitlebarButtons.h"
 #include "platform/gtk/WindowState.h"
 #include "platform/gtk/X11Placement.h"
@@ -54,7 +55,7 @@ public:
     std::int64_t windowNumber() override;
 
     [[nodiscard]] GtkWindow* native() const { return window_.get(); }
-    [[nodiscard]] const char* title() const { return gtk_window_get_title(window_.get()); }
+    [[nodiscard]] std::string title() const;
     [[nodiscard]] bool isVisible() const { return gtk_widget_get_visible(GTK_WIDGET(window_.get())); }
     /// Hides the window.
     void orderOut();
@@ -68,6 +69,7 @@ private:
     void show();
     void contentSizeDidChange(int width, int height);
     void fullScreenDidChange();
+    void moveFocusBetweenPageAndTitlebar();
     void saveFrame();
     void saveFrameSoon();
     void post(NotificationName name);
@@ -83,6 +85,7 @@ private:
     std::shared_ptr<void> appearanceObserver_;
     std::unique_ptr<MenuBar> menuBar_;
     GObjectPtr<GtkEventController> editingShortcuts_;
+    ResizeEdges edges_;
     TitlebarButtons titlebar_;
     PointerPress press_;
     WindowState state_;
@@ -90,6 +93,8 @@ private:
     std::optional<FrameAutosave> autosave_;
     /// Where the window is while it is not maximized.
     std::optional<Point> ownTopLeft_;
+    /// Whether it is to be maximized when it is shown the next time.
+    bool showsMaximized_ = false;
     Size size_;
     guint pendingShow_ = 0;
     guint pendingSave_ = 0;

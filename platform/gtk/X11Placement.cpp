@@ -138,12 +138,18 @@ void X11Placement::surfaceMoved(bool isRelativeToScreen, int x, int y) {
         ::Window child = 0;
         if (!XTranslateCoordinates(display, xid, DefaultRootWindow(display), 0, 0, &x, &y, &child)) return;
     }
-    const Point margin = shadow(window_);
     const double scale = gdk_surface_get_scale_factor(surface);
-    const Point now = {std::floor(x / scale) + margin.x, std::floor(y / scale) + margin.y};
-    if (topLeft_ == now) return;
-    topLeft_ = now;
+    const Point now = {std::floor(x / scale), std::floor(y / scale)};
+    if (surfaceTopLeft_ == now) return;
+    surfaceTopLeft_ = now;
     moved_();
+}
+
+std::optional<Point> X11Placement::topLeft() const {
+    if (!surfaceTopLeft_) return std::nullopt;
+    // Read late: a window that stops being maximized moves first and gets its shadow back then.
+    const Point margin = shadow(window_);
+    return Point{surfaceTopLeft_->x + margin.x, surfaceTopLeft_->y + margin.y};
 }
 
 std::uint32_t X11Placement::serverTime() const {

@@ -20,7 +20,7 @@ public:
     X11Placement(GtkWindow* window, std::function<void()> moved);
 
     /// Where the window is or was last, once that is known.
-    [[nodiscard]] std::optional<Point> topLeft() const { return topLeft_; }
+    [[nodiscard]] std::optional<Point> topLeft() const;
     /// Where the window is to be when it is shown the next time.
     void setTopLeft(Point topLeft);
     /// Puts a window of `size` in the middle of the screen when it is shown the next time.
@@ -38,7 +38,7 @@ private:
 
     GtkWindow* window_;
     std::function<void()> moved_;
-    std::optional<Point> topLeft_;
+    std::optional<Point> surfaceTopLeft_;
     std::optional<Point> wanted_;
     bool isListening_ = false;
     SignalConnections connections_;

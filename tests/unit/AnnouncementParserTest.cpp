@@ -18,7 +18,8 @@ using Port = std::optional<std::int64_t>;
 Port portIn(const std::vector<std::string>& chunks) {
     AnnouncementParser parser;
     Port port;
-    for (const auto& chunk : chunks) port = parser.append(chunk);
+    for (const auto& chunk : chunks)
+        port = parser.append(chunk);
     return port;
 }
 
@@ -100,8 +101,8 @@ TEST(AnnouncementParser, lets_any_numeric_character_into_the_number_and_is_spoil
 constexpr std::array<std::string_view, 6> numericCharacters = {
     "\xC2\xB2", "\xC2\xBD", "\xD9\xA3", "\xE2\x85\xA7", "\xEF\xBC\x91", "\xF0\x9D\x9F\x8E"};
 constexpr std::array<std::string_view, 14> otherPieces = {
-    "HARBROOK_PORT ", "HARBROOK_PORT ", "HARBROOK_PORT", "HARBROOK_", "H", "PORT ", " ", "\n", "x",
-    "\xC3\xA9", "\xE5\xAD\x97", "\xF0\x9F\x98\x80", "-", "."};
+    "HARBROOK_PORT ", "HARBROOK_PORT ", "HARBROOK_PORT",    "HARBROOK_", "H", "PORT ", " ", "\n", "x",
+    "\xC3\xA9",       "\xE5\xAD\x97",   "\xF0\x9F\x98\x80", "-",         "."};
 
 std::size_t numericLength(std::string_view text) {
     if (!text.empty() && text[0] >= '0' && text[0] <= '9') return 1;
@@ -117,7 +118,8 @@ Port portByPlainSearch(std::string_view text) {
     if (position == std::string_view::npos) return std::nullopt;
     const auto rest = text.substr(position + marker.size());
     std::size_t end = 0;
-    while (const auto length = numericLength(rest.substr(end))) end += length;
+    while (const auto length = numericLength(rest.substr(end)))
+        end += length;
     const auto run = rest.substr(0, end);
     std::int64_t number = 0;
     const auto [last, error] = std::from_chars(run.data(), run.data() + run.size(), number);
@@ -136,11 +138,17 @@ TEST(AnnouncementParser, agrees_with_a_plain_search_of_the_whole_text_after_ever
             std::string chunk;
             for (std::size_t part = below(4); part > 0; --part) {
                 switch (below(8)) {
-                case 0: chunk += numericCharacters[below(numericCharacters.size())]; break;
+                case 0:
+                    chunk += numericCharacters[below(numericCharacters.size())];
+                    break;
                 case 1:
                 case 2:
-                case 3: chunk += std::to_string(random() >> below(32)); break;
-                default: chunk += otherPieces[below(otherPieces.size())]; break;
+                case 3:
+                    chunk += std::to_string(random() >> below(32));
+                    break;
+                default:
+                    chunk += otherPieces[below(otherPieces.size())];
+                    break;
                 }
             }
             text += chunk;

@@ -34,7 +34,8 @@ protected:
     /// The log without the title-bar buttons, which a window that comes forward may place again.
     Lines operations() {
         auto lines = log().take();
-        std::erase_if(lines, [](const std::string& line) { return line.find("setFrame") != std::string::npos; });
+        std::erase_if(
+            lines, [](const std::string& line) { return line.find("setFrame") != std::string::npos; });
         return lines;
     }
 };
@@ -80,8 +81,7 @@ TEST_F(Commands, reload_does_not_bring_the_window_forward) {
 }
 
 TEST_F(Commands, the_sidebar_command_presses_the_pages_own_button_and_leaves_the_window_where_it_is) {
-    const std::string script =
-        "webView evaluateJavaScript: document.getElementById('toggleSide').click()";
+    const std::string script = "webView evaluateJavaScript: document.getElementById('toggleSide').click()";
     EXPECT_THAT(afterChoosing({"View", "Show or Hide Sidebar"}), ElementsAre(script));
     EXPECT_THAT(afterPressing("s", control | command), ElementsAre(script));
     EXPECT_FALSE(application().simulateKey("s", command));
@@ -90,8 +90,7 @@ TEST_F(Commands, the_sidebar_command_presses_the_pages_own_button_and_leaves_the
 TEST_F(Commands, check_for_updates_shows_the_window_and_leaves_the_rest_to_the_page) {
     EXPECT_THAT(
         afterChoosing({"", "Check for Updates…"}),
-        ElementsAre(
-            front, active, "webView evaluateJavaScript: window.openUpdate && window.openUpdate()"));
+        ElementsAre(front, active, "webView evaluateJavaScript: window.openUpdate && window.openUpdate()"));
     platform->advance(0.5);
     EXPECT_THAT(log().linesOf("session"), IsEmpty());
 }
@@ -146,7 +145,8 @@ TEST_F(Commands, the_credits_are_a_sentence_a_blank_line_and_four_lines) {
     EXPECT_TRUE(lines[0].ends_with('.'));
     EXPECT_EQ(lines[0].find(". "), std::string::npos) << "a single sentence";
     EXPECT_EQ(lines[1], "");
-    for (std::size_t i = 2; i < 6; ++i) EXPECT_NE(lines[i], "");
+    for (std::size_t i = 2; i < 6; ++i)
+        EXPECT_NE(lines[i], "");
     EXPECT_NE(lines[5].find(URL::URLWithString(product::website)->host().value()), std::string::npos);
     EXPECT_NE(lines[5].find('@'), std::string::npos);
     EXPECT_EQ(text.find('\r'), std::string::npos);

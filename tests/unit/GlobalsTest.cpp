@@ -23,7 +23,8 @@ TEST_F(GlobalsAtStart, the_port_is_0_and_the_address_is_the_placeholder_on_port_
 
 TEST_F(GlobalsAtStart, the_token_is_32_random_bytes_in_lower_case_hexadecimal) {
     std::deque<std::uint8_t> bytes;
-    for (int i = 0; i < 32; ++i) bytes.push_back(static_cast<std::uint8_t>(i < 16 ? i : 0xf0 + i - 16));
+    for (int i = 0; i < 32; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(i < 16 ? i : 0xf0 + i - 16));
     platform->setRandomBytes(bytes);
     const Globals made(*platform);
     EXPECT_EQ(made.apiToken, "000102030405060708090a0b0c0d0e0ff0f1f2f3f4f5f6f7f8f9fafbfcfdfeff");

@@ -258,7 +258,8 @@ TEST_F(Launch, quitting_before_the_launcher_has_run_leaves_no_server_behind) {
     launch();
     application().terminate();
     platform->settle();
-    for (const auto& child : platform->processes().children) EXPECT_FALSE(child->isRunning());
+    for (const auto& child : platform->processes().children)
+        EXPECT_FALSE(child->isRunning());
 }
 
 TEST_F(Launch, a_server_that_dies_later_is_neither_reported_nor_restarted) {

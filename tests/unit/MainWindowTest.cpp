@@ -57,7 +57,8 @@ TEST_F(MainWindow, it_is_built_in_exactly_this_order) {
           "NSWindowDidBecomeKeyNotification", "NSWindowDidResignKeyNotification",
           "NSWindowDidDeminiaturizeNotification", "NSWindowDidChangeScreenNotification",
           "NSWindowWillEnterFullScreenNotification", "NSWindowDidExitFullScreenNotification"}) {
-        expected.push_back("notifications addObserver: " + std::string(name) + " of window on the main queue");
+        expected.push_back(
+            "notifications addObserver: " + std::string(name) + " of window on the main queue");
     }
     const Lines rest = {
         "titlebarContainer setFrame: (0, 808) 1320 x 52",

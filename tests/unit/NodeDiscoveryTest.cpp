@@ -32,7 +32,8 @@ protected:
         platform->processes().programs[shell] = {.output = {{0, text}}, .exitsAfter = 0.1};
     }
     void addExecutables(const std::vector<std::string>& paths) {
-        for (const auto& path : paths) platform->files().addExecutable(path);
+        for (const auto& path : paths)
+            platform->files().addExecutable(path);
     }
 
     std::optional<std::string> node;
@@ -45,7 +46,8 @@ TEST_F(NodeDiscovery, the_resource_interpreter_comes_first_and_no_shell_is_asked
     EXPECT_EQ(found(), resourceNode);
     EXPECT_THAT(
         log().lines(),
-        ElementsAre("bundle URLForResource: runtime/node", "files isExecutable: " + std::string(resourceNode)));
+        ElementsAre(
+            "bundle URLForResource: runtime/node", "files isExecutable: " + std::string(resourceNode)));
 }
 
 TEST_F(NodeDiscovery, a_resource_interpreter_without_the_execute_permission_is_skipped) {
@@ -88,7 +90,8 @@ INSTANTIATE_TEST_SUITE_P(
     Texts, ProbeOutput,
     testing::Values(
         "/usr/bin/node", "/usr/bin/node\n", "\r\n\t /usr/bin/node \r\n\n", "\v\f/usr/bin/node\v\f",
-        "\xC2\x85\xC2\xA0/usr/bin/node\xC2\xA0\xE2\x80\xA8\xE2\x80\xA9", "\xE3\x80\x80/usr/bin/node\xE3\x80\x80"));
+        "\xC2\x85\xC2\xA0/usr/bin/node\xC2\xA0\xE2\x80\xA8\xE2\x80\xA9",
+        "\xE3\x80\x80/usr/bin/node\xE3\x80\x80"));
 
 class UselessProbeOutput : public NodeDiscovery, public testing::WithParamInterface<std::string> {};
 
@@ -130,13 +133,11 @@ TEST_F(NodeDiscovery, a_login_shell_that_cannot_be_started_leaves_the_fixed_plac
 
 TEST_F(NodeDiscovery, where_there_is_another_login_shell_it_is_asked_the_same) {
     platform->processInfo().setLoginShell("/usr/bin/fish");
-    platform->processes().programs["/usr/bin/fish"] = {
-        .output = {{0, "/usr/bin/node\n"}}, .exitsAfter = 0};
+    platform->processes().programs["/usr/bin/fish"] = {.output = {{0, "/usr/bin/node\n"}}, .exitsAfter = 0};
     addExecutables({"/usr/bin/node"});
     EXPECT_EQ(found(), "/usr/bin/node");
     EXPECT_THAT(
-        log().linesOf("task launch"),
-        ElementsAre(R"(task launch: /usr/bin/fish "-lc" "command -v node")"));
+        log().linesOf("task launch"), ElementsAre(R"(task launch: /usr/bin/fish "-lc" "command -v node")"));
 }
 
 TEST_F(NodeDiscovery, a_profile_that_takes_its_time_is_waited_for) {

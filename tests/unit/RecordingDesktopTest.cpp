@@ -34,10 +34,9 @@ TEST_F(RecordingDesktop, the_log_tells_operations_in_order_with_their_arguments)
     window->setTitle("a \"b\"\n");
     window->center();
     EXPECT_THAT(
-        platform.log().take(),
-        ElementsAre(
-            "window init: (0, 0) 800 x 600 style 15 backing 2 defer false",
-            R"(window setTitle: "a \"b\"\n")", "window center"));
+        platform.log().take(), ElementsAre(
+                                   "window init: (0, 0) 800 x 600 style 15 backing 2 defer false",
+                                   R"(window setTitle: "a \"b\"\n")", "window center"));
     EXPECT_THAT(platform.log().lines(), IsEmpty());
 }
 

@@ -76,7 +76,8 @@ TEST_F(RecordingScheduler, a_wait_ends_at_its_time_and_not_before) {
 }
 
 TEST_F(RecordingScheduler, workers_run_in_the_order_that_the_test_chooses) {
-    for (const auto* name : {"a", "b", "c"}) platform.globalQueue().async(note(name));
+    for (const auto* name : {"a", "b", "c"})
+        platform.globalQueue().async(note(name));
     EXPECT_THAT(platform.scheduler().runnableWorkers(), ElementsAre("global 1", "global 2", "global 3"));
     platform.scheduler().runWorker("global 2");
     platform.scheduler().setWorkerChoice([](std::size_t count) { return count - 1; });

@@ -19,8 +19,8 @@ TEST(ValidUTF8, accepts_well_formed_text_of_every_length) {
 TEST(ValidUTF8, refuses_what_is_not_well_formed_wherever_it_stands) {
     for (const std::string bad :
          {"\x80", "\xBF", "\xC3", "\xC0\x80", "\xC1\xBF", "\xE0\x80\x80", "\xE0\x9F\xBF", "\xED\xA0\x80",
-          "\xED\xBF\xBF", "\xE2\x82", "\xF0\x80\x80\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80",
-          "\xF8\x88\x80\x80\x80", "\xFE", "\xFF", "\xC3\xC3\xA9"}) {
+          "\xED\xBF\xBF", "\xE2\x82", "\xF0\x80\x80\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",
+          "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80", "\xFE", "\xFF", "\xC3\xC3\xA9"}) {
         EXPECT_FALSE(isValidUTF8(bad));
         for (const std::size_t before : {1, 7, 8, 9, 16}) {
             EXPECT_FALSE(isValidUTF8(std::string(before, 'a') + bad)) << before;

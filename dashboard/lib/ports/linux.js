@@ -97,7 +97,8 @@ async function findProcesses(inodes) {
 
 /** The listening sockets of this machine, from /proc. What is known of a socket is kept for as long as its process lives. */
 export class LinuxPorts {
-  interval = 2000;
+  // The kernel walks its whole table of connections at each look, which takes milliseconds where there is much memory.
+  interval = 3000;
   #known = new Map();
 
   /** The listening sockets with no process yet. Cheap: two small files. */
