@@ -1,7 +1,6 @@
 #include "platform/gtk/Alert.h"
 
 #include "platform/gtk/Sheet.h"
-#include "platform/gtk/StyleSheet.h"
 #include "platform/gtk/Window.h"
 
 #include <utility>
@@ -23,7 +22,6 @@ GtkWidget* Alert::makeMessage() {
     gtk_label_set_max_width_chars(GTK_LABEL(label), widestTextInCharacters);
     gtk_label_set_xalign(GTK_LABEL(label), 0);
     gtk_label_set_yalign(GTK_LABEL(label), 0);
-    gtk_label_set_selectable(GTK_LABEL(label), TRUE);
     gtk_widget_add_css_class(label, "message");
 
     GtkWidget* scroller = gtk_scrolled_window_new();

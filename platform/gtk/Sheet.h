@@ -14,4 +14,8 @@ namespace harbrook::gtk {
 /// The sheet can be moved by its content, as far as that has no other use for the pointer.
 void setSheetContent(GtkWindow* sheet, GtkWidget* content);
 
+/// Hides the dialogs that wait for an answer along with their window, and shows them with it again.
+void hideSheets(GtkWindow* parent);
+void showSheets(GtkWindow* parent);
+
 } // namespace harbrook::gtk

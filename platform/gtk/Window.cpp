@@ -2,6 +2,8 @@
 
 #include "platform/gtk/Appearance.h"
 #include "platform/gtk/Application.h"
+#include "platform/gtk/EngineKeys.h"
+#include "platform/gtk/Sheet.h"
 #include "platform/gtk/StyleSheet.h"
 
 #include <cmath>
@@ -53,6 +55,7 @@ Window::Window(
       placement_(window_.get(), [this] { saveFrameSoon(); }),
       size_(contentRect.size) {
     installStyleSheet();
+    withholdUnsafeKeys(window_.get());
     connectSignals();
 }
 
@@ -208,6 +211,7 @@ void Window::show() {
     // Only now: an X11 window manager takes the size and place that a window is mapped with as those to go
     // back to.
     if (std::exchange(showsMaximized_, false)) gtk_window_maximize(window_.get());
+    showSheets(window_.get());
 }
 
 void Window::orderOut() {
@@ -216,6 +220,7 @@ void Window::orderOut() {
     saveFrame();
     dismissMenuBar();
     if (ownTopLeft_) placement_.setTopLeft(*ownTopLeft_);
+    hideSheets(window_.get());
     gtk_widget_set_visible(GTK_WIDGET(window_.get()), FALSE);
     showsMaximized_ = gtk_window_is_maximized(window_.get());
     if (showsMaximized_) gtk_window_unmaximize(window_.get());
