@@ -45,7 +45,8 @@ private:
         webView().evaluateJavaScript(
             readinessProbe,
             [self = shared_from_this(), attemptsLeft, clicked](const std::optional<Value>& result) {
-                self->probed(result == Value(true), attemptsLeft, clicked);
+                const auto* ready = result ? result->as<bool>() : nullptr;
+                self->probed(ready && *ready, attemptsLeft, clicked);
             });
     }
 

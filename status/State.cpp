@@ -38,10 +38,11 @@ bool decode(const Json& json, std::int64_t& result) {
         return true;
     }
     if (!json.is_number_float()) return false;
-    // 3000.0 and 3e3 are whole numbers too. 2^63 is the first double above the range.
+    // 3000.0 and 3e3 are whole numbers too. 2^63 is the first double above the range; -2^63 comes as an
+    // integer, and as a double is what a number below the range was rounded to.
     constexpr double limit = 9223372036854775808.0;
     const auto number = json.get<double>();
-    if (std::trunc(number) != number || number < -limit || number >= limit) return false;
+    if (std::trunc(number) != number || number <= -limit || number >= limit) return false;
     result = static_cast<std::int64_t>(number);
     return true;
 }
@@ -93,6 +94,8 @@ bool decode(const Json& json, State& result) {
 } // namespace
 
 std::optional<State> decodeState(std::string_view json) {
+    // The parser would take a zero byte for the end of the text.
+    if (json.find('\0') != std::string_view::npos) return std::nullopt;
     bool tooDeep = false;
     const auto document = Json::parse(
         json.begin(), json.end(),

@@ -33,7 +33,7 @@ export class Dashboard extends EventEmitter {
       part.on('change', () => this.#changed());
     }
     this.settings.on('change', () => this.finder.setFolders(this.settings.folders));
-    this.runner.on('change', () => this.ports.look());
+    this.runner.on('change', () => this.ports.lookClosely());
   }
 
   start() {

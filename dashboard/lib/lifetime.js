@@ -1,4 +1,5 @@
 import { fstatSync } from 'node:fs';
+import { isAlive } from './is-alive.js';
 
 const DEFAULT_PORT = 47545;
 const PARENT_CHECK_INTERVAL = 1000;
@@ -9,15 +10,6 @@ export function portFromEnvironment(text) {
   const port = Number(text);
   if (!/^\d{1,5}$/.test(text) || port > 65535) throw new Error(`HARBROOK_PORT is not a port number: ${text}`);
   return port;
-}
-
-function isAlive(pid) {
-  try {
-    process.kill(pid, 0);
-    return true;
-  } catch (error) {
-    return error.code === 'EPERM';
-  }
 }
 
 /** Only a pipe tells by its end that its writer is gone: a terminal, a file and /dev/null mean nothing by it. */

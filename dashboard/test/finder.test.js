@@ -57,6 +57,11 @@ test('a chosen folder that is a project itself is looked through in full', async
   assert.deepEqual(names(finder), ['below', 'root']);
 });
 
+test('a checkout without a manifest is looked into, but not deep', async (t) => {
+  const { finder } = await find(t, { 'repo/.git/HEAD': '', 'repo/api/go.mod': 'module api', 'repo/tools/x/go.mod': 'module x', 'repo/tools/y/z/go.mod': 'module z' });
+  assert.deepEqual(names(finder), ['api', 'x']);
+});
+
 test('a circle of symbolic links is no trap', async (t) => {
   const home = await makeHome(t);
   await writeTree(home, { 'a/go.mod': 'module a' });

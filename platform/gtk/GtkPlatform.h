@@ -9,6 +9,7 @@
 #include "platform/gtk/GlobalQueue.h"
 #include "platform/gtk/NotificationCenter.h"
 #include "platform/gtk/ProcessInfo.h"
+#include "platform/gtk/RenderingPolicy.h"
 #include "platform/gtk/StatusBar.h"
 #include "platform/gtk/URLSession.h"
 #include "platform/gtk/Workspace.h"
@@ -61,6 +62,8 @@ private:
     std::thread::id mainThread_ = std::this_thread::get_id();
     /// Before all that may change the environment.
     ProcessInfo processInfo_;
+    /// Before there are other threads.
+    RenderingPolicy renderingPolicy_;
     ContextQueue mainQueue_{nullptr};
     GlobalQueue globalQueue_;
     FileManager fileManager_;

@@ -33,6 +33,7 @@ HTTPExchange::HTTPExchange(URLRequest request, std::function<void(Outcome)> deli
 void HTTPExchange::start(SoupSession* session) {
     if (!deliver_) return;
     session_ = GObjectPtr<SoupSession>::share(session);
+    cancellable_ = GObjectPtr<GCancellable>::adopt(g_cancellable_new());
     URI uri(g_uri_parse(request_.url.absoluteString().c_str(), uriFlags, nullptr));
     if (!uri) return fail("The address is not valid.");
     const std::string_view scheme = g_uri_get_scheme(uri.get());
@@ -135,7 +136,7 @@ void HTTPExchange::adaptRequestToRedirection() {
 void HTTPExchange::timeOut() {
     if (!deliver_) return;
     // The library ends what it does with a callback, which finds that the outcome has been delivered.
-    g_cancellable_cancel(cancellable_.get());
+    if (cancellable_) g_cancellable_cancel(cancellable_.get());
     fail("The request timed out.");
 }
 

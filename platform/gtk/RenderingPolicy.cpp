@@ -1,15 +1,17 @@
 #include "platform/gtk/RenderingPolicy.h"
 
-#include "platform/gtk/EngineEnvironment.h"
 #include "platform/gtk/SandboxPreflight.h"
+
+#include <glib.h>
 
 #include <filesystem>
 #include <system_error>
 
 namespace harbrook::gtk {
 
-void prepareRendering() {
-    if (!hasRenderNode()) setEngineVariable("GSK_RENDERER", "cairo");
+RenderingPolicy::RenderingPolicy() {
+    constexpr gboolean unlessTheUserHas = FALSE;
+    if (!hasRenderNode()) g_setenv("GSK_RENDERER", "cairo", unlessTheUserHas);
     SandboxPreflight::begin();
 }
 

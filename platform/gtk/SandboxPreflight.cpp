@@ -1,7 +1,5 @@
 #include "platform/gtk/SandboxPreflight.h"
 
-#include "platform/gtk/EngineEnvironment.h"
-
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -49,7 +47,8 @@ void begin() {
     if (g_file_test("/.flatpak-info", G_FILE_TEST_EXISTS)) return;
     // "0" means that the sandbox stays. The variable is made now because adding one to the environment is not
     // safe once there are threads that may read it; changing the value of one that exists is.
-    if (!setEngineVariable(variable, "0")) return;
+    if (g_getenv(variable)) return;
+    g_setenv(variable, "0", TRUE);
 
     // The kinds of isolation that the engine asks of the same program.
     const char* const arguments[] = {"bwrap", "--ro-bind",     "/",    "/",    "--proc", "/proc", "--dev",

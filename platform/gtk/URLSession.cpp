@@ -42,11 +42,12 @@ public:
                 handler(outcome.body, outcome.response, outcome.error);
             });
         };
-        const auto exchange = std::make_shared<HTTPExchange>(std::move(request), std::move(deliver));
-        queue_.async([this, exchange] { exchange->start(session_.get()); });
+        auto exchange = std::make_shared<HTTPExchange>(std::move(request), std::move(deliver));
         queue_.asyncAfter(timeout, [weak = std::weak_ptr(exchange)] {
             if (const auto unfinished = weak.lock()) unfinished->timeOut();
         });
+        // Moved: the library lets go of an exchange only on the thread that began it, and this one may see the end.
+        queue_.async([this, exchange = std::move(exchange)] { exchange->start(session_.get()); });
     }
 
 private:

@@ -38,7 +38,7 @@ private:
     void receiveMessages(const WebViewConfiguration::UserContentController& controller);
     void connectSignals();
     void warmUp();
-    void showUnderPageColor();
+    void showColors();
     void limitWait(double seconds);
     void endWait();
 
@@ -57,6 +57,7 @@ private:
     std::weak_ptr<WebNavigationDelegate> navigationDelegate_;
     std::weak_ptr<WebUIDelegate> uiDelegate_;
     std::vector<std::unique_ptr<MessageReceiver>> receivers_;
+    bool drawsBackground_ = true;
     std::optional<Color> underPageColor_;
     std::shared_ptr<void> appearanceObserver_;
     LoadTracker loads_;

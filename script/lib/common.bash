@@ -19,6 +19,9 @@ usage() {
     exit "${1:-0}"
 }
 
+# One clone profits from what another has compiled.
+export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=true
+
 # Configures only what was never configured: the build itself notices changed CMake files.
 build() {
     local preset=$1

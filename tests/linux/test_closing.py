@@ -27,9 +27,7 @@ def test_a_second_start_shows_the_same_window_and_ends_with_zero(running):
 
 
 def test_a_window_that_is_shown_again_is_where_it_was(running):
-    window = running.window()
-    window.move_and_resize(200, 100, 1200, 800)
-    wait_until("it has been resized", lambda: running.server.evaluate("[innerWidth, innerHeight]") == [1200, 800])
+    window = running.place(200, 100, 1200, 800)
     before = window.area
     window.close()
     running.wait_until_hidden()

@@ -10,12 +10,8 @@ LIGHT = (0xF3, 0xF4, 0xF0)
 DARK = (0x16, 0x18, 0x16)
 
 
-def viewport(shell):
-    return tuple(shell.server.evaluate("[innerWidth, innerHeight]"))
-
-
 def test_the_page_is_exactly_1320_by_860_at_the_first_start(running):
-    assert viewport(running) == (1320, 860)
+    assert running.viewport() == (1320, 860)
 
 
 def test_the_window_is_called_harbrook(running):
@@ -35,21 +31,19 @@ def test_the_window_is_active_when_it_opens(running):
 
 def test_the_page_cannot_be_made_smaller_than_1040_by_680(running):
     running.window().move_and_resize(50, 50, 300, 200)
-    wait_until("it has the smallest size", lambda: viewport(running) == (1040, 680))
+    wait_until("it has the smallest size", lambda: running.viewport() == (1040, 680))
 
 
 def test_size_and_place_are_remembered(shell):
     shell.start()
     shell.server.wait_for_page()
-    window = shell.window()
-    window.move_and_resize(120, 90, 1200, 800)
-    wait_until("it has the new size", lambda: viewport(shell) == (1200, 800))
+    window = shell.place(120, 90, 1200, 800)
     before = window.area
     shell.quit()
 
     shell.start()
     shell.switchboard.server(1).wait_for_page()
-    wait_until("it has the old size", lambda: viewport(shell) == (1200, 800))
+    wait_until("it has the old size", lambda: shell.viewport() == (1200, 800))
     after = shell.window().area
     assert (after.x, after.y) == (before.x, before.y)
 
@@ -57,8 +51,7 @@ def test_size_and_place_are_remembered(shell):
 def test_what_was_remembered_but_is_damaged_does_no_harm(shell):
     shell.start()
     shell.server.wait_for_page()
-    shell.window().move_and_resize(120, 90, 1200, 800)
-    wait_until("it has the new size", lambda: viewport(shell) == (1200, 800))
+    shell.place(120, 90, 1200, 800)
     shell.quit()
     state = [one for one in (shell.home / ".local" / "state").rglob("*") if one.is_file()]
     assert state
@@ -67,7 +60,7 @@ def test_what_was_remembered_but_is_damaged_does_no_harm(shell):
 
     shell.start()
     shell.switchboard.server(1).wait_for_page()
-    assert viewport(shell) == (1320, 860)
+    assert shell.viewport() == (1320, 860)
 
 
 @pytest.mark.parametrize("dark, canvas", [(False, LIGHT), (True, DARK)], ids=["light", "dark"])

@@ -1,7 +1,10 @@
+import { readFileSync } from 'node:fs';
 import { readdir, readFile, readlink } from 'node:fs/promises';
 import { setImmediate as nextTurn } from 'node:timers/promises';
+import { isAlive } from '../is-alive.js';
 
 const LISTEN = '0A';
+const ATTEMPTS = 4;
 
 function decodeAddress(hex) {
   // Each group of 32 bits is in the machine's own byte order, which is little-endian wherever this runs.
@@ -28,27 +31,27 @@ export function parseListening(text) {
   return sockets;
 }
 
+// For files of the kernel, which take no time: the waiting for a thread would cost several times the reading.
+function readAtOnce(path) {
+  try {
+    return readFileSync(path, 'latin1');
+  } catch {
+    return '';
+  }
+}
+
 const readOrEmpty = (path) => readFile(path, 'latin1').catch(() => '');
 
-async function holdersOf(inodes) {
-  const holders = new Map();
-  const pids = (await readdir('/proc')).filter((name) => /^\d+$/.test(name));
-  for (const [index, pid] of pids.entries()) {
-    if (index % 32 === 31) await nextTurn();
-    let descriptors;
-    try {
-      descriptors = await readdir(`/proc/${pid}/fd`);
-    } catch {
-      continue; // Another user's process, or one that has just ended.
-    }
-    const links = await Promise.all(descriptors.map((name) => readlink(`/proc/${pid}/fd/${name}`).catch(() => '')));
-    for (const link of links) {
-      if (!link.startsWith('socket:[')) continue;
-      const inode = link.slice(8, -1);
-      if (inodes.has(inode)) holders.set(inode, (holders.get(inode) ?? new Set()).add(Number(pid)));
-    }
+/** The inodes among `inodes` that are sockets of process `pid`; none when it has ended or is another user's. */
+async function socketsOf(pid, inodes) {
+  let descriptors;
+  try {
+    descriptors = await readdir(`/proc/${pid}/fd`);
+  } catch {
+    return [];
   }
-  return holders;
+  const links = await Promise.all(descriptors.map((name) => readlink(`/proc/${pid}/fd/${name}`).catch(() => '')));
+  return links.filter((link) => link.startsWith('socket:[')).map((link) => link.slice(8, -1)).filter((inode) => inodes.has(inode));
 }
 
 /** The parent and the process group in the text of /proc/<pid>/stat; the name before them may hold anything. */
@@ -69,29 +72,60 @@ async function describe(pid) {
   return { pid, parent, group, name: name.trim(), command: commandLine.split('\0').join(' ').trim(), folder };
 }
 
-/** Of several processes that share a socket, the one that opened it: the one whose parent does not hold it too. */
-function owner(pids, processes) {
-  const sorted = [...pids].sort((one, other) => one - other);
-  return sorted.find((pid) => !pids.has(processes.get(pid)?.parent)) ?? sorted[0];
+/** Of several processes that share a socket, the one that opened it: the last one up the line of parents that has it. */
+async function opener(pid, inode) {
+  const found = await describe(pid);
+  const inherited = found.parent > 1 && (await socketsOf(found.parent, new Set([inode]))).length > 0;
+  return inherited ? opener(found.parent, inode) : found;
 }
 
-export const linuxPorts = {
-  interval: 2000,
+/** From inode to process. The youngest processes are looked at first: they are the likely owners of a new socket. */
+async function findProcesses(inodes) {
+  const wanted = new Set(inodes);
+  const found = new Map();
+  const pids = (await readdir('/proc')).filter((name) => /^\d+$/.test(name)).map(Number).sort((one, other) => other - one);
+  for (const [index, pid] of pids.entries()) {
+    if (wanted.size === 0) break;
+    if (index % 32 === 31) await nextTurn();
+    for (const inode of new Set(await socketsOf(pid, wanted))) {
+      wanted.delete(inode);
+      found.set(inode, await opener(pid, inode));
+    }
+  }
+  return found;
+}
+
+/** The listening sockets of this machine, from /proc. What is known of a socket is kept for as long as its process lives. */
+export class LinuxPorts {
+  // The kernel walks its whole table of connections at each look, which takes milliseconds where there is much memory.
+  interval = 3000;
+  #known = new Map();
 
   /** The listening sockets with no process yet. Cheap: two small files. */
   async sockets() {
-    const texts = await Promise.all([readOrEmpty('/proc/net/tcp'), readOrEmpty('/proc/net/tcp6')]);
-    return texts.flatMap(parseListening);
-  },
+    return ['/proc/net/tcp', '/proc/net/tcp6'].map(readAtOnce).flatMap(parseListening);
+  }
 
   /** Adds to each socket its process, or null when that is not the user's to know. */
   async withProcesses(sockets) {
-    const holders = await holdersOf(new Set(sockets.map((socket) => socket.inode)));
-    const pids = new Set([...holders.values()].flatMap((set) => [...set]));
-    const processes = new Map(await Promise.all([...pids].map(async (pid) => [pid, await describe(pid)])));
-    return sockets.map((socket) => {
-      const holding = holders.get(socket.inode);
-      return { ...socket, process: holding ? processes.get(owner(holding, processes)) : null };
-    });
-  },
-};
+    const user = process.getuid();
+    const unknown = sockets.filter(({ uid, inode }) => (uid === user || user === 0) && this.#mustBeFound(inode)).map(({ inode }) => inode);
+    const found = unknown.length > 0 ? await findProcesses(unknown) : new Map();
+    const known = new Map();
+    for (const { inode } of sockets) {
+      const before = this.#known.get(inode);
+      if (found.has(inode)) known.set(inode, { process: found.get(inode), attempts: 0 });
+      else if (unknown.includes(inode)) known.set(inode, { process: null, attempts: (before?.attempts ?? 0) + 1 });
+      else if (before) known.set(inode, before);
+    }
+    this.#known = known;
+    return sockets.map((socket) => ({ ...socket, process: known.get(socket.inode)?.process ?? null }));
+  }
+
+  /** A process in another container is never found, so there is an end to looking for it. */
+  #mustBeFound(inode) {
+    const known = this.#known.get(inode);
+    if (!known) return true;
+    return known.process ? !isAlive(known.process.pid) : known.attempts < ATTEMPTS;
+  }
+}

@@ -1,17 +1,12 @@
 import { EventEmitter } from 'node:events';
 import { darwinPorts } from './darwin.js';
-import { linuxPorts } from './linux.js';
+import { LinuxPorts } from './linux.js';
+import { isAlive } from '../is-alive.js';
 
-const SOURCES = { linux: linuxPorts, darwin: darwinPorts };
+const SOURCES = { linux: () => new LinuxPorts(), darwin: () => darwinPorts };
 
-function isAlive(pid) {
-  try {
-    process.kill(pid, 0);
-    return true;
-  } catch (error) {
-    return error.code === 'EPERM';
-  }
-}
+const CLOSE_INTERVAL = 250;
+const CLOSE_LOOK = 6000;
 
 /** One entry for each port: a server that listens on several addresses is one server to the user. */
 function byPort(sockets) {
@@ -32,12 +27,14 @@ function byPort(sockets) {
 export class PortWatcher extends EventEmitter {
   #source;
   #timer = null;
+  #close = null;
+  #closeUntil = 0;
   #fingerprint = null;
   #unresolved = 0;
   #looking = null;
   #ports = [];
 
-  constructor(source = SOURCES[process.platform]) {
+  constructor(source = SOURCES[process.platform]?.()) {
     super();
     this.#source = source;
   }
@@ -55,7 +52,23 @@ export class PortWatcher extends EventEmitter {
 
   close() {
     clearInterval(this.#timer);
+    clearTimeout(this.#close);
     this.#timer = null;
+    this.#closeUntil = 0;
+  }
+
+  /** Looks more often for a while: a program has just been started and is expected to open its port. */
+  lookClosely() {
+    this.#closeUntil = performance.now() + CLOSE_LOOK;
+    if (!this.#close) this.#lookAgain();
+  }
+
+  #lookAgain() {
+    this.#close = setTimeout(async () => {
+      await this.look();
+      this.#close = null;
+      if (performance.now() < this.#closeUntil) this.#lookAgain();
+    }, CLOSE_INTERVAL);
   }
 
   /** Looks now; fulfilled when the list is up to date. */

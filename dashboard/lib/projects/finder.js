@@ -9,11 +9,15 @@ import { readProject } from './read-project.js';
 const DEPTH = 4;
 const DEPTH_INSIDE_PROJECT = 2;
 const WORKERS = 8;
-const RESCAN_UNWATCHED = 60_000;
+const MOST_FOLDERS = 20_000;
+const MOST_WATCHED = 4096;
+const RESCAN_UNWATCHED = 300_000;
 
 /**
  * Finds the projects below a list of folders and keeps the list true by watching. Below a project only those folders
  * count that can be started themselves (a front end beside its back end), so that examples and libraries stay out.
+ * However large the folders are, the number of folders read and watched is bounded; what is not watched is read again
+ * every few minutes.
  *
  * Emits "change" when a project comes, goes or changes, and "ready" when the first scan is over.
  */
@@ -24,6 +28,7 @@ export class Finder extends EventEmitter {
   #queue = { near: [], deep: [] };
   #working = 0;
   #unwatched = new Set();
+  #watched = 0;
   #rescan = new Debouncer((path) => this.#enqueue(path), { delay: 200, spacing: 2000 });
   #unwatchedTimer = null;
   #closed = false;
@@ -92,8 +97,8 @@ export class Finder extends EventEmitter {
     const children = [...node.children];
     const wasKnown = Boolean(node.project) || children.length > 0;
     for (const child of children) this.#forget(child);
-    node.watcher?.close();
-    Object.assign(node, { children: new Set(), watcher: undefined, project: undefined, signature: undefined });
+    this.#unwatch(node);
+    Object.assign(node, { children: new Set(), project: undefined, signature: undefined });
     if (!this.#missingRoots.has(path)) {
       const onChange = (_event, name) => name === basename(path) && this.#rescan.schedule(path);
       this.#missingRoots.set(path, watchFolder(dirname(path), onChange));
@@ -107,7 +112,7 @@ export class Finder extends EventEmitter {
     this.#nodes.delete(path);
     this.#unwatched.delete(path);
     this.#rescan.forget(path);
-    node.watcher?.close();
+    this.#unwatch(node);
     for (const child of node.children) this.#forget(child);
     if (node.project) this.emit('change');
   }
@@ -158,6 +163,8 @@ export class Finder extends EventEmitter {
       this.#missingRoots.delete(path);
       this.emit('change');
     }
+    // A checkout without a manifest of its own may hold projects, but not deep down.
+    if (!project && names.has('.git')) node.depth = Math.max(node.depth, DEPTH - DEPTH_INSIDE_PROJECT);
     this.#keepProject(node, project);
     this.#keepChildren(node, entries);
     this.#watch(node);
@@ -192,7 +199,8 @@ export class Finder extends EventEmitter {
       }
     }
     for (const child of present) {
-      if (node.children.has(child) || this.#nodes.has(child)) continue;
+      if (this.#nodes.has(child)) continue;
+      if (this.#nodes.size >= MOST_FOLDERS) break;
       node.children.add(child);
       const realPath = join(node.realPath, basename(child));
       this.#nodes.set(child, { path: child, realPath, depth: node.depth + 1, inside, isRoot: false, children: new Set() });
@@ -200,14 +208,26 @@ export class Finder extends EventEmitter {
     }
   }
 
+  #unwatch(node) {
+    if (!node.watcher) return;
+    node.watcher.close();
+    node.watcher = null;
+    this.#watched -= 1;
+  }
+
   #watch(node) {
     if (node.watcher || (node.inside && !node.project)) return;
-    node.watcher = watchFolder(node.path, (event, name) => {
-      // Writing a log file into a project's folder says nothing about the project.
-      if (event === 'rename' || MANIFEST_NAMES.has(name)) this.#rescan.schedule(node.path);
-    });
-    if (node.watcher) this.#unwatched.delete(node.path);
-    else this.#unwatched.add(node.path);
+    // The system has a limited number of watches for all the user's programs together.
+    if (this.#watched < MOST_WATCHED) {
+      node.watcher = watchFolder(node.path, (event, name) => {
+        // Writing a log file into a project's folder says nothing about the project.
+        if (event === 'rename' || MANIFEST_NAMES.has(name)) this.#rescan.schedule(node.path);
+      });
+    }
+    if (node.watcher) {
+      this.#watched += 1;
+      this.#unwatched.delete(node.path);
+    } else this.#unwatched.add(node.path);
     if (this.#unwatched.size > 0 && !this.#unwatchedTimer) {
       this.#unwatchedTimer = setInterval(() => this.#unwatched.forEach((path) => this.#enqueue(path)), RESCAN_UNWATCHED);
     }

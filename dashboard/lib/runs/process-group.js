@@ -1,15 +1,16 @@
 import { spawn } from 'node:child_process';
 
-// The first process of the group. Its helper waits for the end of a pipe (descriptor 3) that the dashboard holds: when the
-// dashboard ends, by whatever means, the helper ends the group. The helper itself is deaf to the polite signal, so that
-// it is still there to send the forceful one.
+// The first process of the group. Its watcher waits for the end of a pipe (descriptor 3) that the dashboard holds: when the
+// dashboard ends, by whatever means, the watcher ends the group. The watcher itself is deaf to the polite signal, so that
+// it is still there to send the forceful one; it is born deaf, lest the signal come before it could turn so.
 const LEADER = `
-( trap '' TERM INT HUP
-  while read -r line; do :; done
+trap '' TERM INT HUP
+( while read -r line; do :; done
   kill -TERM -$$ 2>/dev/null
   sleep 3
   kill -KILL -$$ 2>/dev/null
 ) <&3 3<&- >/dev/null 2>&1 &
+trap - TERM INT HUP
 exec 3<&- "$@"
 `;
 

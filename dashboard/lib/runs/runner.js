@@ -84,7 +84,7 @@ export class Runner extends EventEmitter {
   }
 
   async #end(run, child, { code, signal }) {
-    // What the command left behind in its group goes with it; closing the pipe lets the group's helper see to that.
+    // What the command left behind in its group goes with it; closing the pipe lets the group's watcher see to that.
     signalGroup(run.pid, 'SIGTERM');
     child.stdio[3]?.destroy();
     // The last output may still be in the pipes.
@@ -112,7 +112,7 @@ export class Runner extends EventEmitter {
     await Promise.race([run.finished, wait(FORCE_WAIT)]);
   }
 
-  /** The kept output of the project's last run, of an earlier session too. */
+  /** The kept output of the project's last run, of an earlier start of the dashboard too. */
   logText(path) {
     return this.#runs.get(path)?.log.text() ?? readLogEnd(logFileFor(this.#directory, path));
   }

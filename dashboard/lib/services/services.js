@@ -30,6 +30,7 @@ export class Services extends EventEmitter {
   #again = false;
   #unfollow = null;
   #closed = false;
+  #lastCandidates = '';
   value = { ready: false, postgres: [], redis: [], docker: { available: false, reason: null } };
 
   constructor({ home, ports, sockets = dockerSockets({ home }), postgresFolders = undefined }) {
@@ -40,7 +41,11 @@ export class Services extends EventEmitter {
   }
 
   start() {
-    this.#ports.on('change', () => this.lookSoon());
+    this.#ports.on('change', () => {
+      // Most ports that open and close are none of these services'.
+      const candidates = this.#candidatePorts();
+      if (candidates !== this.#lastCandidates) this.lookSoon();
+    });
     this.#timer = setInterval(() => this.look(), INTERVAL);
     this.lookSoon();
   }
@@ -77,6 +82,7 @@ export class Services extends EventEmitter {
   }
 
   async #look() {
+    this.#lastCandidates = this.#candidatePorts();
     const docker = await probeDocker(this.#sockets);
     const [postgres, redis] = await Promise.all([this.#lookForPostgres(docker), this.#lookForRedis(docker)]);
     if (this.#closed) return;
@@ -98,6 +104,11 @@ export class Services extends EventEmitter {
       if (likely && !candidates.has(entry.port)) candidates.set(entry.port, entry);
     }
     return [...candidates.values()];
+  }
+
+  #candidatePorts() {
+    const kinds = Object.keys(KINDS).map((kind) => this.#candidates(kind, this.value.docker));
+    return kinds.flat().map(({ port, process }) => `${port} ${process?.pid}`).join();
   }
 
   async #lookForPostgres(docker) {

@@ -19,12 +19,16 @@ async function attempt(task) {
 
 async function changeProject(verb, path) {
   if (busy.has(path)) return;
+  const hadFocus = document.activeElement?.dataset.run === path;
   busy.add(path);
   update({});
   await attempt(() => post(`project/${verb}`, { path }));
   busy.delete(path);
   stateChanged();
   await refresh().catch(() => {});
+  // The project may have moved to another list, with a new button; the keyboard follows it.
+  const button = document.querySelector(`[data-run="${CSS.escape(path)}"]`);
+  if (hadFocus && document.activeElement === document.body) button?.focus();
 }
 
 export const startProject = (path) => changeProject('start', path);

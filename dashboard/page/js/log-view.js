@@ -28,6 +28,6 @@ function follow(element, path) {
 /** The output of a project; `run` tells one run from the next. */
 export function logView(path, run) {
   return h('pre', {
-    class: 'log', key: `log ${path} ${run?.startedAt ?? ''}`, role: 'log', tabindex: '0', 'aria-label': 'Output', mount: (element) => follow(element, path),
+    class: 'log', key: `log ${path} ${run?.startedAt ?? ''}`, role: 'log', 'aria-live': 'off', tabindex: '0', 'aria-label': 'Output', mount: (element) => follow(element, path),
   });
 }

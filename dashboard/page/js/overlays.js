@@ -5,10 +5,9 @@ const SHOWN = 5000;
 
 /** Shows a short message at the foot of the page for a while and has it read aloud; errors are read at once. */
 export function say(message, { isError = false } = {}) {
-  const region = document.getElementById('said');
+  const region = document.getElementById(isError ? 'warned' : 'said');
   const note = document.createElement('div');
   note.className = isError ? 'note note-error' : 'note';
-  if (isError) note.setAttribute('role', 'alert');
   render(note, icon(isError ? 'warn' : 'check'), h('span', null, message));
   region.append(note);
   while (region.children.length > 3) region.firstChild.remove();

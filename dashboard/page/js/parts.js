@@ -47,12 +47,16 @@ export function runButton(project, { isPrimary = false } = {}) {
   const look = `button${isPrimary ? '' : ' small'}`;
   if (appRunning) {
     const stopping = run?.stopping ?? false;
-    return h('button', { class: look, type: 'button', 'aria-label': `Stop ${name}`, disabled: waits || stopping, onClick: () => stopProject(path) },
+    return h('button', {
+      class: look, type: 'button', 'data-run': path, 'aria-label': `Stop ${name}`, 'aria-disabled': waits || stopping ? 'true' : null,
+      onClick: () => stopping || stopProject(path),
+    },
       icon('stop', 12), stopping ? 'Stopping…' : 'Stop');
   }
   if (running || !(project.ownCommand ?? project.foundCommand)) return null;
   return h('button', {
-    class: isPrimary ? `${look} primary` : look, type: 'button', 'aria-label': `Start ${name}`, disabled: waits, onClick: () => startProject(path),
+    class: isPrimary ? `${look} primary` : look, type: 'button', 'data-run': path, 'aria-label': `Start ${name}`,
+    'aria-disabled': waits ? 'true' : null, onClick: () => startProject(path),
   }, icon('play', 12), waits ? 'Starting…' : 'Start');
 }
 

@@ -11,7 +11,7 @@ from .x11 import Rectangle
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 ROOT = "/org/a11y/atspi/accessible/root"
 
-SHOWING = 25  # bit in the state set
+VISIBLE = 30  # bit in the state set; GTK gives the stricter "showing" to windows only
 
 
 @dataclass
@@ -27,8 +27,8 @@ class Node:
         return self.tree.bus.call(self.owner, self.path, interface, method, arguments, timeout=5)
 
     @property
-    def showing(self):
-        return SHOWING in self.states
+    def visible(self):
+        return VISIBLE in self.states
 
     @property
     def children(self):
@@ -38,7 +38,7 @@ class Node:
     def text(self):
         """The text shown: its name, or what it holds as a text."""
         try:
-            return self._call("org.a11y.atspi.Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+            return self._call("org.a11y.atspi.Text", "GetText", GLib.Variant("(ii)", (0, -1)))[0] or self.name
         except GLib.Error:
             return self.name
 
@@ -98,7 +98,7 @@ class Tree:
         return None
 
     def walk(self, pid):
-        """Every node that is showing below the application, parents first."""
+        """Every visible node below the application, parents first."""
         root = self.application(pid)
         open_ends = [root] if root else []
         while open_ends:
@@ -108,12 +108,12 @@ class Tree:
             except GLib.Error:
                 continue
             for child in children:
-                if child.showing:
+                if child.visible:
                     yield child
                     open_ends.append(child)
 
     def find(self, pid, role=None, name=None):
-        """The first node that is showing and fits, or None. A name may be that of a text."""
+        """The first visible node that fits, or None. A name may be that of a text."""
         for node in self.walk(pid):
             if role is not None and node.role != role:
                 continue
@@ -126,7 +126,7 @@ class Tree:
         return wait_until(f"{role or 'anything'} called {name!r}", lambda: self.find(pid, role, name), within)
 
     def texts(self, pid):
-        """The texts of all labels that are showing."""
+        """The texts of all visible labels."""
         return [node.text for node in self.walk(pid) if node.role == "label"]
 
     def outline(self, pid):

@@ -38,7 +38,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
 class Desktop:
     """What is running is up to the arguments; everything is ended by close().
 
-    bus: None for no session bus at all.
+    bus: False for no session bus at all.
     services: bus names that the bus starts on demand, each with its command.
     """
 
@@ -66,6 +66,8 @@ class Desktop:
             self.bus = None
             if bus:
                 self._start_bus(services or {})
+            else:
+                self._refuse_bus()
             self._start_manager()
         except BaseException:
             self.close()
@@ -135,6 +137,14 @@ class Desktop:
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
         self.bus = Bus(address)
         self._closers.append(self.bus.close)
+
+    def _refuse_bus(self):
+        """Keeps programs from launching a bus by themselves, which some systems let them."""
+        tools = self.folder / "bin"
+        tools.mkdir()
+        (tools / "dbus-launch").write_text("#!/bin/sh\nexit 1\n")
+        (tools / "dbus-launch").chmod(0o755)
+        self.environment["PATH"] = f"{tools}:{self.environment['PATH']}"
 
     def _start_manager(self):
         home = self.folder / "manager"

@@ -90,7 +90,10 @@ class Shell:
     @property
     def server(self):
         """The server started last."""
-        return self.switchboard.server(max(len(self.switchboard.servers) - 1, 0))
+        return self.switchboard.server(max(len(self.switchboard.servers) - 1, 0), hopeless=self._has_ended)
+
+    def _has_ended(self):
+        return all(program.poll() is not None for program in self.programs)
 
     @property
     def output(self):
@@ -156,6 +159,20 @@ class Shell:
 
     def window(self, within=PATIENCE):
         return wait_until("the window is shown", self.windows, within)[0]
+
+    def viewport(self):
+        """Width and height of the page as the page sees them."""
+        return tuple(self.server.evaluate("[innerWidth, innerHeight]"))
+
+    def place(self, x, y, width, height):
+        """Moves the window and resizes it until the page has that size; returns the window."""
+        window = self.window()
+        now = self.viewport()
+        # Borders that the toolkit draws inside the window.
+        around = [window.area.width - now[0], window.area.height - now[1]]
+        window.move_and_resize(x, y, width + around[0], height + around[1])
+        wait_until(f"the page is {width} by {height}", lambda: self.viewport() == (width, height))
+        return window
 
     def wait_until_hidden(self, within=PATIENCE):
         wait_until("no window is shown", lambda: not self.windows(), within)

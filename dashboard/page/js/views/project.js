@@ -7,10 +7,11 @@ import { store } from '../store.js';
 import { clock, shortPath } from '../text.js';
 
 function notices(project) {
-  const texts = [project.problem, ...(project.run?.ended ? project.run.hints ?? [] : [])];
-  if (project.needsInstall && !project.running) texts.push('Its dependencies are not installed: there is no node_modules folder.');
-  const present = [...new Set(texts.filter(Boolean))];
-  return present.length > 0 && h('ul', { class: 'notices', key: 'notices' }, present.map((text) => h('li', null, icon('warn'), h('span', null, text))));
+  const troubles = [project.problem, ...(project.run?.ended ? project.run.hints ?? [] : [])].filter(Boolean);
+  const advice = project.needsInstall && !project.running ? ['Its dependencies are not installed yet: there is no node_modules folder.'] : [];
+  const line = (tone) => (text) => h('li', { class: tone }, icon(tone === 'bad' ? 'warn' : 'about'), h('span', null, text));
+  return troubles.length + advice.length > 0
+    && h('ul', { class: 'notices', key: 'notices' }, troubles.map(line('bad')), advice.map(line('mild')));
 }
 
 function commandForm({ path, ownCommand, foundCommand }) {

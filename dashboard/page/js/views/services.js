@@ -11,14 +11,22 @@ function servers(title, sign, entries, none) {
     entries.length === 0 ? h('p', { class: 'panel-text soft' }, none) : h('ul', { class: 'lines' }, entries));
 }
 
-function postgresLine({ port, socket, version, tls }) {
-  const address = socket ?? `localhost:${port}`;
-  return h('li', { key: address }, h('span', { class: 'strong' }, version ? `PostgreSQL ${version}` : 'PostgreSQL'), copyable(address),
-    h('span', { class: 'faint' }, socket ? 'Unix socket' : tls ? 'Offers TLS' : 'No TLS'));
+/** The container that publishes `port`, to be named beside the server that answers there. */
+function containerAt(port, { containers = [] }) {
+  return containers.find(({ ports }) => ports.some((mapping) => mapping.port === port))?.name;
 }
 
-function redisLine({ port, product, version, keys, needsPassword }) {
-  const about = needsPassword ? 'Asks for a password' : keys === null ? '' : count(keys, 'key');
+function postgresLine({ port, socket, version, tls }, docker) {
+  const address = socket ?? `localhost:${port}`;
+  const container = containerAt(port, docker);
+  return h('li', { key: address }, h('span', { class: 'strong' }, version ? `PostgreSQL ${version}` : 'PostgreSQL'), copyable(address),
+    h('span', { class: 'faint' }, [container && `in ${container}`, socket ? 'Unix socket' : tls ? 'Offers TLS' : 'No TLS'].filter(Boolean).join(' · ')));
+}
+
+function redisLine({ port, product, version, keys, needsPassword }, docker) {
+  const container = containerAt(port, docker);
+  const state = needsPassword ? 'Asks for a password' : keys !== null && count(keys, 'key');
+  const about = [container && `in ${container}`, state].filter(Boolean).join(' · ');
   return h('li', { key: String(port) }, h('span', { class: 'strong' }, version ? `${product} ${version}` : product), copyable(`localhost:${port}`),
     h('span', { class: 'faint' }, about));
 }
@@ -47,8 +55,8 @@ export function servicesView({ overview }) {
   return [
     pageHead('Services', found.length > 0 ? `Running on this machine: ${listed(found)}.` : subtitle),
     h('div', { class: 'stack-panels', key: 'services' },
-      servers('PostgreSQL', 'services', services.postgres.map(postgresLine), 'No PostgreSQL server answers on its usual ports or Unix sockets.'),
-      servers('Redis', 'bolt', services.redis.map(redisLine), 'No Redis or Valkey server answers on its usual ports.'),
+      servers('PostgreSQL', 'services', services.postgres.map((server) => postgresLine(server, services.docker)), 'No PostgreSQL server answers on its usual ports or Unix sockets.'),
+      servers('Redis', 'bolt', services.redis.map((server) => redisLine(server, services.docker)), 'No Redis or Valkey server answers on its usual ports.'),
       engine(services.docker)),
   ];
 }

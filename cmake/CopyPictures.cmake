@@ -1,0 +1,4 @@
+# Copies PICTURES to TARGET.
+foreach(picture ${PICTURES})
+  file(COPY ${picture} DESTINATION ${TARGET})
+endforeach()

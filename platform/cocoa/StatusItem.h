@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/StatusItem.h"
+#include "platform/cocoa/Frameworks.h"
+
+#include <optional>
+
+@class HarbrookMenuDelegate;
+
+namespace harbrook::cocoa {
+
+class StatusBarButton final : public harbrook::StatusBarButton {
+public:
+    explicit StatusBarButton(NSStatusBarButton* button) : button_(button) {}
+
+    void setTitle(const std::string& title) override;
+    void setImage(const Image& image) override;
+    void setImagePosition(ImagePosition position) override;
+
+private:
+    NSStatusBarButton* button_;
+};
+
+class StatusItem final : public harbrook::StatusItem {
+public:
+    explicit StatusItem(NSStatusItem* item) : item_(item) {}
+    StatusItem(const StatusItem&) = delete;
+    StatusItem& operator=(const StatusItem&) = delete;
+    ~StatusItem() override;
+
+    std::shared_ptr<harbrook::StatusBarButton> button() override;
+    void setMenu(const Menu& menu, std::weak_ptr<MenuDelegate> delegate) override;
+
+private:
+    NSStatusItem* item_;
+    // The native menu holds its delegate weakly.
+    HarbrookMenuDelegate* delegate_ = nil;
+};
+
+class StatusBar final : public harbrook::StatusBar {
+public:
+    std::shared_ptr<harbrook::StatusItem> statusItemWithLength(double length) override;
+};
+
+} // namespace harbrook::cocoa

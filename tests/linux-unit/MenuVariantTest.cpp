@@ -1,0 +1,101 @@
+#include "platform/gtk/MenuVariant.h"
+
+#include "tests/linux-unit/MenuFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace harbrook::gtk::test {
+
+namespace {
+
+std::string printed(GVariant* variant) {
+    const GVariantPtr owned(g_variant_ref_sink(variant));
+    const GCharPtr text(g_variant_print(owned.get(), FALSE));
+    return text.get();
+}
+
+std::string properties(const MenuItem& item, const PropertyNames& names = {}) {
+    return printed(menuProperties(&item, names));
+}
+
+MenuLayout layoutOf(const Menu& menu) {
+    MenuIds ids;
+    return updatedLayout({}, menu, ids).layout;
+}
+
+TEST(MenuVariant, DoublesUnderscores) {
+    EXPECT_EQ(menuLabel("my_app__x"), "my__app____x");
+    EXPECT_EQ(menuLabel("Größe"), "Größe");
+    EXPECT_EQ(menuLabel(""), "");
+}
+
+TEST(MenuVariant, HasTheRootShowItsRowsAsAMenu) {
+    EXPECT_EQ(printed(menuProperties(nullptr, {})), "{'children-display': <'submenu'>}");
+}
+
+TEST(MenuVariant, PublishesOnlyWhatDiffersFromTheDefaults) {
+    MenuItem item;
+    item.title = "Go";
+    item.action = "go:";
+    EXPECT_EQ(properties(item), "{'label': <'Go'>}");
+    item.action.clear();
+    EXPECT_EQ(properties(item), "{'label': <'Go'>, 'enabled': <false>}");
+    item.submenu = Menu{};
+    EXPECT_EQ(properties(item), "{'label': <'Go'>, 'children-display': <'submenu'>}");
+    EXPECT_EQ(properties(MenuItem::separatorItem()), "{'type': <'separator'>}");
+}
+
+TEST(MenuVariant, PublishesKeyEquivalentsInTheDesktopsKeys) {
+    MenuItem item;
+    item.title = "Go";
+    item.action = "go:";
+    item.keyEquivalent = "o";
+    EXPECT_EQ(properties(item, {"shortcut"}), "{'shortcut': <[['Control', 'o']]>}");
+    item.keyEquivalent = "O";
+    EXPECT_EQ(properties(item, {"shortcut"}), "{'shortcut': <[['Control', 'Shift', 'o']]>}");
+    item.keyEquivalent = "s";
+    item.keyEquivalentModifierMask = NSEventModifierFlagCommand | NSEventModifierFlagControl;
+    EXPECT_EQ(properties(item, {"shortcut"}), "{'shortcut': <[['Control', 'Alt', 's']]>}");
+    item.keyEquivalentModifierMask = 0;
+    EXPECT_EQ(properties(item, {"shortcut"}), "{'shortcut': <[['s']]>}");
+}
+
+TEST(MenuVariant, AnswersOnlyTheNamesThatWereAskedFor) {
+    MenuItem item;
+    item.title = "Go";
+    EXPECT_EQ(properties(item, {"enabled"}), "{'enabled': <false>}");
+    EXPECT_EQ(properties(item, {"icon-name"}), "{}");
+}
+
+TEST(MenuVariant, ReplacesWhatTheBusCannotCarry) {
+    MenuItem item;
+    item.title = std::string("a\0b", 3);
+    item.action = "go:";
+    EXPECT_EQ(properties(item), "{'label': <'a\uFFFDb'>}");
+    item.title = "\xff";
+    EXPECT_EQ(properties(item), "{'label': <'\uFFFD'>}");
+}
+
+TEST(MenuVariant, GoesAsDeepAsItIsAsked) {
+    const auto layout = layoutOf(menuOf({runningProject("a", {1})}));
+    const auto depth = [&](int levels) { return printed(menuTree(layout, 0, levels, {"none"})); };
+    EXPECT_EQ(depth(0), "(0, {}, [])");
+    EXPECT_NE(depth(-1), depth(1));
+    EXPECT_EQ(depth(-1), depth(2));
+    EXPECT_EQ(depth(-1), depth(200));
+}
+
+TEST(MenuVariant, IsTheMenuOfTheServerThatIsNotReachable) {
+    EXPECT_EQ(
+        printed(menuTree(layoutOf(unreachable()), 0, -1, {})),
+        "(0, {'children-display': <'submenu'>}, ["
+        "<(1, {'label': <'Open Harbrook'>, 'shortcut': <[['Control', 'o']]>}, @av [])>, "
+        "<(2, {'type': <'separator'>}, @av [])>, "
+        "<(3, {'label': <'Server not reachable'>, 'enabled': <false>}, @av [])>, "
+        "<(4, {'type': <'separator'>}, @av [])>, "
+        "<(5, {'label': <'Quit Harbrook'>, 'shortcut': <[['Control', 'q']]>}, @av [])>])");
+}
+
+} // namespace
+
+} // namespace harbrook::gtk::test

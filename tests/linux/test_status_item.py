@@ -1,0 +1,192 @@
+"""The status item and the watchers that come and go."""
+
+import json
+
+import pytest
+
+from harness.server import Plan
+from harness.tray import Watcher, project, state
+from harness.waiting import stays, wait_until
+
+SHOP = project("shop", [3000])
+BLOG = project("blog", [4000])
+
+
+def plan(*projects, **counts):
+    return Plan(answers={"/api/state": {"body": json.dumps(state(*projects, **counts))}})
+
+
+@pytest.fixture
+def desktop(make_desktop):
+    """One of its own: a watcher on the shared one would hear of other tests' items."""
+    return make_desktop()
+
+
+@pytest.fixture
+def watcher(desktop):
+    watcher = Watcher(desktop)
+    yield watcher
+    watcher.close()
+
+
+def answer(shell, *projects, **counts):
+    shell.server.answer("/api/state", body=json.dumps(state(*projects, **counts)))
+
+
+def shown_pixels(item):
+    return {(width, height): data for width, height, data in item.property("IconPixmap")}
+
+
+def test_what_a_panel_reads_of_the_item(make_shell, desktop, watcher):
+    watcher.arrive()
+    make_shell(plan(SHOP, BLOG), desktop=desktop).start()
+    item = watcher.item()
+    wait_until("the count is shown", lambda: item.property("XAyatanaLabel") == "2")
+    found = item.properties()
+    sides = [(width, height) for width, height, _ in found.pop("IconPixmap")]
+    assert {(side, side) for side in (18, 22, 24, 32, 36, 44, 48)} <= set(sides)
+    assert found == {
+        "Category": "ApplicationStatus",
+        "Id": "Harbrook",
+        "Title": "Harbrook",
+        "Status": "Active",
+        "WindowId": 0,
+        "IconThemePath": "",
+        "Menu": item.menu.path,
+        "ItemIsMenu": False,
+        "IconName": "",
+        "IconAccessibleDesc": "Harbrook",
+        "OverlayIconName": "",
+        "OverlayIconPixmap": [],
+        "AttentionIconName": "",
+        "AttentionIconPixmap": [],
+        "AttentionMovieName": "",
+        "ToolTip": ("", [], "Harbrook", "2 running"),
+        "XAyatanaLabel": "2",
+        "XAyatanaLabelGuide": "2",
+        "XAyatanaOrderingIndex": 0,
+    }
+    assert item.menu.property("Version") == 3
+    assert item.menu.property("Status") == "normal"
+    assert item.menu.property("TextDirection") == "ltr"
+    assert item.menu.property("IconThemePath") == []
+
+
+def test_a_watcher_that_comes_late_gets_the_item(make_shell, desktop, watcher):
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    assert watcher.registrations == []
+    watcher.arrive()
+    assert watcher.item().property("Id") == "Harbrook"
+
+
+def test_each_watcher_that_comes_back_gets_the_item_again(make_shell, desktop, watcher):
+    watcher.arrive()
+    make_shell(desktop=desktop).start()
+    watcher.item(0)
+    for number in (1, 2, 3):
+        watcher.leave()
+        watcher.arrive()
+        assert watcher.item(number).property("Id") == "Harbrook"
+    stays("registered once with each", lambda: len(watcher.registrations) == 4, 1)
+
+
+def test_a_watcher_that_takes_over_gets_the_item(make_shell, desktop, watcher):
+    watcher.arrive()
+    make_shell(desktop=desktop).start()
+    watcher.item()
+    other = Watcher(desktop)
+    try:
+        other.bus.call(
+            "org.freedesktop.DBus",
+            "/",
+            "org.freedesktop.DBus",
+            "GetId",
+        )
+        watcher.leave()
+        other.arrive()
+        other.item()
+    finally:
+        other.close()
+
+
+def test_a_watcher_that_refuses_at_first_is_asked_again(make_shell, desktop, watcher):
+    watcher.refusals = 1
+    watcher.arrive()
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    wait_until("it is asked again", lambda: len(watcher.registrations) == 2)
+    assert shell.output == ""
+
+
+def test_a_watcher_that_always_refuses_harms_nothing(make_shell, desktop, watcher):
+    watcher.refusals = 1000
+    watcher.arrive()
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    watcher.item()
+    assert shell.window()
+    shell.quit()
+    assert shell.output == ""
+
+
+def test_without_a_session_bus_nothing_is_missing_and_nothing_is_said(make_shell, make_desktop):
+    shell = make_shell(desktop=make_desktop(bus=False))
+    shell.start()
+    shell.server.wait_for_page()
+    shell.server.wait_for_request("/api/state")
+    shell.window()
+    shell.quit()
+    assert shell.output == ""
+
+
+def test_the_icon_follows_the_projects_and_stays_when_the_server_is_lost(make_shell, desktop, watcher):
+    watcher.arrive()
+    shell = make_shell(plan(), desktop=desktop)
+    shell.start()
+    item = watcher.item()
+    item.menu.wait_for_outline(lambda rows: "(No projects running)" in rows)
+    idle = shown_pixels(item)
+    assert item.property("XAyatanaLabel") == ""
+
+    _, heard = item.signals()
+    changes = item.bus.signals(sender=item.name, member="NewIcon")
+    answer(shell, SHOP)
+    wait_until("a new icon is announced", lambda: changes)
+    busy = shown_pixels(item)
+    assert busy != idle
+    assert item.property("XAyatanaLabel") == "1"
+
+    shell.server.answer("/api/state", status=500, body="lost")
+    item.menu.wait_for_outline(lambda rows: "(Server not reachable)" in rows)
+    assert item.property("XAyatanaLabel") == ""
+    # Busy still, and only the count has gone.
+    assert shown_pixels(item) not in (idle, busy)
+
+
+def test_a_click_on_the_icon_opens_the_window(make_shell, desktop, watcher):
+    watcher.arrive()
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    item = watcher.item()
+    shell.window().close()
+    shell.wait_until_hidden()
+    item.activate()
+    shell.window()
+
+
+def test_polls_that_change_nothing_put_nothing_on_the_bus(make_shell, desktop, watcher):
+    watcher.arrive()
+    shell = make_shell(plan(SHOP, BLOG), desktop=desktop)
+    shell.start()
+    item = watcher.item()
+    item.menu.wait_for_outline(lambda rows: "(Running projects)" in rows)
+    polls = len(shell.server.requests("/api/state"))
+    of_item, of_menu = item.signals()
+    wait_until("three more polls", lambda: len(shell.server.requests("/api/state")) >= polls + 3)
+    assert of_item == []
+    assert of_menu == []

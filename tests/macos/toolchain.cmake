@@ -1,0 +1,30 @@
+# Aims CMake at macOS from Linux: LLVM's compiler and linker, and the directory that tools/sysroot.py makes.
+# Set HARBROOK_MACOS_SYSROOT to that directory.
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_VERSION 21.0)
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES HARBROOK_MACOS_SYSROOT)
+
+set(tools /usr/lib/llvm-19/bin)
+set(CMAKE_C_COMPILER ${tools}/clang)
+set(CMAKE_CXX_COMPILER ${tools}/clang++)
+set(CMAKE_OBJCXX_COMPILER ${tools}/clang++)
+set(CMAKE_AR ${tools}/llvm-ar)
+set(CMAKE_RANLIB ${tools}/llvm-ranlib)
+set(CMAKE_INSTALL_NAME_TOOL ${tools}/llvm-install-name-tool)
+
+set(CMAKE_OSX_SYSROOT ${HARBROOK_MACOS_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH ${HARBROOK_MACOS_SYSROOT})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(ENV{PKG_CONFIG_LIBDIR} ${HARBROOK_MACOS_SYSROOT}/usr/local/lib/pkgconfig)
+
+# musl's headers stand in for the system's, and libc++ has to be told.
+string(JOIN " " portable
+  -target apple-macos -B${HARBROOK_MACOS_SYSROOT}/usr/bin -D_GNU_SOURCE -D_LIBCPP_HAS_MUSL_LIBC -D_LIBCPP_PROVIDES_DEFAULT_RUNE_TABLE
+  -Wno-unused-command-line-argument)
+foreach(language C CXX OBJCXX)
+  set(CMAKE_${language}_FLAGS_INIT ${portable})
+endforeach()
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld")
