@@ -338,7 +338,21 @@ def test_a_host_that_never_says_closed_gets_the_new_menu_at_its_next_opening(sta
     assert heard == []
     assert menu.call("AboutToShowGroup", "(ai)", [0, 29999]) == ([0], [29999])
     assert menu.layout().find("blog")
+    # Such hosts go by the signal; they follow it in place.
+    assert [member for member, _, _ in heard] == ["LayoutUpdated"]
+
+
+def test_a_host_that_asks_by_single_calls_gets_the_new_menu_by_the_answer(started):
+    shell, menu = started(SHOP)
+    menu.about_to_show()
+    change(shell, SHOP, BLOG)
+    heard = menu.signals()
+    wait_for_polls(shell, 2)
+    assert menu.about_to_show() is True
+    assert menu.layout().find("blog")
     assert heard == []
+    menu.event(0, "closed")
+    wait_until("the other hosts hear of it", lambda: [member for member, _, _ in heard] == ["LayoutUpdated"])
 
 
 def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop):
