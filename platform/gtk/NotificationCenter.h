@@ -23,12 +23,13 @@ public:
 private:
     struct Observer {
         NotificationName name;
-        const void* object;
+        /// Weak, so that an object that is gone is not taken for one that was given its address.
+        std::weak_ptr<const void> object;
         std::function<void()> block;
     };
 
     std::shared_ptr<ObserverToken> add(
-        NotificationName name, const void* object, std::function<void()> block);
+        NotificationName name, std::weak_ptr<const void> object, std::function<void()> block);
 
     std::vector<std::shared_ptr<const Observer>> observers_;
 };

@@ -78,20 +78,21 @@ std::optional<Error> FileManager::createDirectoryAtURL(const std::filesystem::pa
         return Error{"A file with that name exists."};
     }
     if (!writable(directory)) return Error{"You don’t have permission."};
+    if (isBelowFile(directory)) return Error{"A part of the path is not a folder."};
     addDirectory(directory);
     return std::nullopt;
 }
 
 bool FileManager::createFileAtPath(const std::filesystem::path& path) {
     world_->note("files createFile: " + path.string());
-    if (!canHold(path)) return false;
+    if (!canHold(path) || isDirectory(path)) return false;
     nodes_[path] = std::make_shared<Node>();
     return true;
 }
 
 bool FileManager::writeAtomically(std::string_view text, const std::filesystem::path& path) {
     world_->note("files writeAtomically: " + inQuotes(text) + " to " + path.string());
-    if (!canHold(path)) return false;
+    if (!canHold(path) || isDirectory(path)) return false;
     nodes_[path] = std::make_shared<Node>(Node{false, false, std::string(text)});
     return true;
 }
@@ -124,6 +125,17 @@ std::optional<std::string> FileManager::contents(const std::filesystem::path& pa
     const auto found = nodes_.find(path);
     if (found == nodes_.end() || found->second->isDirectory) return std::nullopt;
     return found->second->content;
+}
+
+bool FileManager::isDirectory(const std::filesystem::path& path) const {
+    const auto found = nodes_.find(path);
+    return found != nodes_.end() && found->second->isDirectory;
+}
+
+bool FileManager::isBelowFile(const std::filesystem::path& path) const {
+    return std::ranges::any_of(nodes_, [&](const auto& entry) {
+        return !entry.second->isDirectory && isBelow(path, entry.first);
+    });
 }
 
 bool FileManager::writable(const std::filesystem::path& path) const {

@@ -51,6 +51,8 @@ private:
     class WritingHandle;
 
     [[nodiscard]] bool writable(const std::filesystem::path& path) const;
+    [[nodiscard]] bool isDirectory(const std::filesystem::path& path) const;
+    [[nodiscard]] bool isBelowFile(const std::filesystem::path& path) const;
     [[nodiscard]] bool canHold(const std::filesystem::path& path) const;
 
     WorldPtr world_;

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,8 @@ public:
     /// Seconds on the clock that the platform's delays are measured on.
     [[nodiscard]] virtual double now() = 0;
 
+    /// Makes windows and views possible.
+    virtual void provideDisplay() = 0;
     /// An empty directory that can be written to, with nothing else in it.
     [[nodiscard]] virtual std::filesystem::path directory() = 0;
     /// What the file at `path` holds, or none.
@@ -57,6 +60,11 @@ struct Factory {
     std::string name;
     std::function<std::unique_ptr<Desktop>()> make;
 };
+
+/// How failures name the implementation.
+inline void PrintTo(const Factory& factory, std::ostream* stream) {
+    *stream << factory.name;
+}
 
 /// A test that every implementation has to pass.
 class Contract : public testing::TestWithParam<Factory> {

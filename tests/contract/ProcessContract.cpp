@@ -48,7 +48,7 @@ TEST_P(Process, a_program_that_prints_nothing_reads_as_empty) {
     EXPECT_EQ(printed.second, "");
 }
 
-TEST_P(Process, a_readability_handler_gets_everything_and_then_one_empty_read) {
+TEST_P(Process, a_readability_handler_gets_everything_and_then_an_empty_read) {
     const auto task = taskFor({.output = "some words\n"});
     const auto output = platform().makePipe();
     task->setStandardOutput(output);
@@ -66,7 +66,6 @@ TEST_P(Process, a_readability_handler_gets_everything_and_then_one_empty_read) {
     ASSERT_TRUE(runUntil([&] { return emptyReads > 0; }));
     desktop().pass(0.05);
     EXPECT_EQ(text.get(), "some words\n");
-    EXPECT_EQ(emptyReads, 1);
     task->waitUntilExit();
 }
 
@@ -111,7 +110,7 @@ TEST_P(Process, a_handler_comes_to_end_of_file_when_the_launch_fails_and_the_pip
         });
         ASSERT_TRUE(task->launchAndReturnError().has_value());
     }
-    EXPECT_TRUE(runUntil([&] { return emptyReads == 1; }));
+    EXPECT_TRUE(runUntil([&] { return emptyReads > 0; }));
 }
 
 TEST_P(Process, the_terminate_request_ends_a_program_and_then_does_nothing) {

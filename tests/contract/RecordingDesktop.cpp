@@ -40,6 +40,8 @@ public:
 
     double now() override { return platform_.now(); }
 
+    void provideDisplay() override {}
+
     std::filesystem::path directory() override { return "/home/ada/contract"; }
     std::optional<std::string> contents(const std::filesystem::path& path) override {
         return platform_.files().contents(path);

@@ -229,6 +229,21 @@ TEST_F(ChildProcess, a_flood_of_output_arrives_whole_and_in_order) {
     EXPECT_EQ(std::filesystem::file_size(path), size);
 }
 
+TEST_F(ChildProcess, a_handler_meets_end_of_file_once) {
+    const auto pipe = gtkPlatform().makePipe();
+    const auto task = shell("echo words");
+    task->setStandardOutput(pipe);
+    std::atomic<int> emptyReads = 0;
+    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
+        if (handle.availableData().empty()) ++emptyReads;
+    });
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    ASSERT_TRUE(runMainLoopUntil([&] { return emptyReads > 0; }));
+    static_cast<void>(runMainLoopUntil([] { return false; }, 0.05));
+    EXPECT_EQ(emptyReads, 1);
+    task->waitUntilExit();
+}
+
 TEST_F(ChildProcess, a_handler_may_be_taken_away) {
     const auto task = shell("echo one; read line; echo two");
     const auto input = gtkPlatform().makePipe();

@@ -1,8 +1,9 @@
 #include "tests/contract/gtk/GtkDesktop.h"
 
+#include "tests/contract/gtk/PrivateDisplay.h"
 #include "tests/contract/gtk/ScriptedServer.h"
 
-#include <glib.h>
+#include <gio/gio.h>
 
 #include <array>
 #include <atomic>
@@ -28,6 +29,13 @@ public:
         static_cast<void>(runMainLoopUntil([] { return false; }, seconds));
     }
     double now() override { return monotonicSeconds(); }
+
+    void provideDisplay() override {
+        static const PrivateDisplay display;
+        // Windows belong to an application that has started up.
+        static_cast<void>(platform().sharedApplication());
+        g_application_register(g_application_get_default(), nullptr, nullptr);
+    }
 
     std::filesystem::path directory() override { return directory_.path(); }
     std::optional<std::string> contents(const std::filesystem::path& path) override { return readFile(path); }
