@@ -3,11 +3,12 @@
 namespace harbrook::gtk {
 
 /// Settles, by being made, everything about the web engine that has to be settled before GTK starts: the
-/// renderer on machines without a graphics device, and the question whether the engine's sandbox works here,
-/// whose answer is waited for when the first web view is made.
+/// renderer on machines without a graphics device, that web processes do not wait for the desktop portal, and
+/// the question whether the engine's sandbox works here, whose answer is waited for when the first web view
+/// is made.
 ///
-/// Both can be told to the libraries by environment variable only. So it has to be made while the process has
-/// a single thread, and after the environment that programs started from here are to get has been noted.
+/// All this can be told to the libraries by environment variable only. So it has to be made while the process
+/// has a single thread, and after the environment that programs started from here are to get has been noted.
 class RenderingPolicy {
 public:
     RenderingPolicy();
