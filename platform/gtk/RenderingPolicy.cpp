@@ -12,11 +12,12 @@ namespace harbrook::gtk {
 RenderingPolicy::RenderingPolicy() {
     constexpr gboolean unlessTheUserHas = FALSE;
     if (!hasRenderNode()) g_setenv("GSK_RENDERER", "cairo", unlessTheUserHas);
-    // WebKitGTK 2.50 asks for the machine's power profile in each web process before its first page, and in
-    // the sandbox GLib does that by a blocking call to the desktop portal: a portal that is slow to start
-    // delays the page, and one that hangs keeps it away for 25 seconds. The other source of that answer does
-    // not block.
+    // Before its first page the engine (WebKitGTK 2.50) asks for the power profile in each web process, and
+    // for the state of the network in the network process. In the sandbox, or with GTK_USE_PORTAL, GLib asks
+    // the desktop portal, and waits: a portal that is slow to start delays the page, and one that hangs keeps
+    // it away for 25 seconds. These two sources do not wait.
     g_setenv("GIO_USE_POWER_PROFILE_MONITOR", "dbus", unlessTheUserHas);
+    g_setenv("GIO_USE_NETWORK_MONITOR", "netlink", unlessTheUserHas);
     beginSandboxPreflight();
 }
 

@@ -3,7 +3,7 @@
 namespace harbrook::gtk {
 
 /// Settles, by being made, everything about the web engine that has to be settled before GTK starts: the
-/// renderer on machines without a graphics device, that web processes do not wait for the desktop portal, and
+/// renderer on machines without a graphics device, that its processes do not wait for the desktop portal, and
 /// the question whether the engine's sandbox works here, whose answer is waited for when the first web view
 /// is made.
 ///

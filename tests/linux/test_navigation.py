@@ -206,7 +206,8 @@ def test_a_new_window_is_never_made(view, browser, way, address, opens):
 def test_what_is_opened_gets_the_users_own_environment(view, browser):
     follow(view, "http://example.com/")
     browser.wait_for("http://example.com/")
-    told = ["GSK_RENDERER", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "GIO_USE_POWER_PROFILE_MONITOR"]
+    told = ["GSK_RENDERER", "WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS"]
+    told += ["GIO_USE_POWER_PROFILE_MONITOR", "GIO_USE_NETWORK_MONITOR"]
     for name in told:
         assert name not in browser.environment
         assert name not in view.server.start["environment"]
