@@ -11,7 +11,7 @@ namespace {
 constexpr auto styleSheet = R"css(
 /* The toolkit's frame with nothing of a title bar in it; the content takes the frame's corners. */
 window.main-window > overlay { border-radius: inherit; }
-window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; }
+window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; box-shadow: none; }
 
 button.titlebar-button, button.titlebar-button:backdrop {
   min-width: 14px; min-height: 14px;

@@ -253,6 +253,8 @@ std::shared_ptr<harbrook::View> Window::standardWindowButton(WindowButton button
 }
 
 std::int64_t Window::windowNumber() {
+    // The X11 window is made when the toolkit's is realized, and the first showing may still be under way.
+    gtk_widget_realize(GTK_WIDGET(window_.get()));
     if (const auto identifier = placement_.identifier()) return identifier;
     return gtk_application_window_get_id(GTK_APPLICATION_WINDOW(window_.get()));
 }

@@ -43,7 +43,6 @@ TEST_F(HandOver, readers_see_the_placeholder_or_the_whole_address_and_never_a_mi
         writer.join();
         EXPECT_EQ(shared.serverPort(), 47545);
         EXPECT_EQ(shared.baseURL().absoluteString(), "http://localhost:47545/");
-        done = true;
         for (auto& reader : readers)
             reader.join();
         EXPECT_EQ(mixtures, 0);

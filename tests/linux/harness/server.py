@@ -212,11 +212,17 @@ class Switchboard:
                 self.servers.append(Server(connection))
                 self._changed.notify_all()
 
-    def server(self, number=0, within=PATIENCE):
-        """The number-th server since the beginning, waiting for it to start."""
+    def server(self, number=0, within=PATIENCE, hopeless=lambda: False):
+        """The number-th server since the beginning, waiting for it to start.
+
+        hopeless: tells that nobody is left to start it, so that waiting on makes no sense.
+        """
+        deadline = time.monotonic() + within
         with self._changed:
-            if not self._changed.wait_for(lambda: len(self.servers) > number, within):
-                raise NeverHappened(f"no server number {number} was started within {within:g} s")
+            while len(self.servers) <= number:
+                if hopeless() or time.monotonic() > deadline:
+                    raise NeverHappened(f"no server number {number} was started within {within:g} s")
+                self._changed.wait(0.2)
             return self.servers[number]
 
     def close(self):

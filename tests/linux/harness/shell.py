@@ -90,7 +90,10 @@ class Shell:
     @property
     def server(self):
         """The server started last."""
-        return self.switchboard.server(max(len(self.switchboard.servers) - 1, 0))
+        return self.switchboard.server(max(len(self.switchboard.servers) - 1, 0), hopeless=self._has_ended)
+
+    def _has_ended(self):
+        return all(program.poll() is not None for program in self.programs)
 
     @property
     def output(self):
