@@ -19,6 +19,7 @@ Application::Application(int /*argc*/, char** /*argv*/) {
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
+    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 
