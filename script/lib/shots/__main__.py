@@ -14,12 +14,14 @@ def arguments():
     parser.add_argument("list", nargs="?", type=Path, default=ROOT / "docs" / "pictures.json", help="what to take")
     parser.add_argument("--into", type=Path, help="folder for the pictures (pictures/ beside the list)")
     parser.add_argument("--only", action="append", default=[], metavar="NAME", help="this picture; can be repeated")
+    parser.add_argument("--one", type=Path, metavar="FILE", help="write only the first picture, and there")
     parser.add_argument("--program", type=Path, default=ROOT / "build" / "release" / "harbrook")
     parser.add_argument("--argument", action="append", default=[], help="passed to the program; can be repeated")
     parser.add_argument("--virtual", action="store_true", help="use a virtual display even if there is a real one")
     chosen = parser.parse_args()
     chosen.list = chosen.list.resolve()
-    chosen.into = (chosen.into or chosen.list.parent / "pictures").resolve()
+    chosen.one = chosen.one and chosen.one.resolve()
+    chosen.into = chosen.one.parent if chosen.one else (chosen.into or chosen.list.parent / "pictures").resolve()
     chosen.program = chosen.program.resolve()
     chosen.display = None if chosen.virtual else os.environ.get("DISPLAY")
     return chosen
@@ -33,6 +35,8 @@ def take_all(chosen, plan):
     """Whether every picture shows a page that was ready."""
     from .session import Failed, Session, desktop
 
+    if chosen.one:
+        plan = plan.only_first()
     well = True
     for appearance, scale, pictures in plan.sessions():
         try:
@@ -41,7 +45,7 @@ def take_all(chosen, plan):
                 try:
                     for picture in pictures:
                         outcome = session.show(picture.step)
-                        name = picture.file_name(appearance, scale)
+                        name = chosen.one.name if chosen.one else picture.file_name(appearance, scale)
                         session.take(chosen.into / name)
                         remark = "" if outcome.was_ready else "  TIMED OUT: the page was not ready"
                         say(f"{name:32}{outcome.seconds:5.1f} s{remark}")

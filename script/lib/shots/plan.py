@@ -1,7 +1,7 @@
 """The list of pictures."""
 
 import json
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from pathlib import Path
 from urllib.parse import quote
 
@@ -49,6 +49,12 @@ class Plan:
     first: tuple
     pictures: tuple
 
+    def only_first(self):
+        """A plan for a single file."""
+        first = self.pictures[0]
+        single = replace(first, appearances=first.appearances[:1], scales=first.scales[:1])
+        return replace(self, pictures=(single,))
+
     def sessions(self):
         """One for each appearance and scale that occurs, with the pictures that it takes."""
         for scale in sorted({scale for picture in self.pictures for scale in picture.scales}):
@@ -81,6 +87,8 @@ def read(path, only=()):
     try:
         listed = json.loads(path.read_text())
         pictures = tuple(_picture(dict(entry)) for entry in listed["pictures"])
+        if not pictures:
+            raise BadList("no pictures")
         unknown = set(only) - {picture.name for picture in pictures}
         if unknown:
             raise BadList(f"no picture is called {', '.join(sorted(unknown))}")

@@ -59,7 +59,7 @@ class Session:
             self._furnish(plan.home, appearance)
             self._environment = desktop.environment | {
                 "HOME": str(self.home),
-                "PATH": f"{self.home / '.local' / 'bin'}:{os.environ.get('PATH', '/usr/bin:/bin')}",
+                "PATH": self._path(desktop.environment["PATH"]),
                 "HARBROOK_SHOTS": "1",
                 "HARBROOK_SHOTS_HOME": str(self.home),
                 "GDK_SCALE": str(scale),
@@ -89,6 +89,11 @@ class Session:
         )
         self.data = self.home / ".harbrook"
         self.data.mkdir(exist_ok=True)
+
+    def _path(self, usual):
+        """The home's own programs, the usual ones, and Node.js wherever this machine has it."""
+        node = shutil.which("node")
+        return ":".join([str(self.home / ".local" / "bin"), usual, *([os.path.dirname(node)] if node else [])])
 
     def _serve(self, command):
         service = subprocess.Popen(
