@@ -19,6 +19,7 @@ Application::Application(int /*argc*/, char** /*argv*/) {
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
+    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 
@@ -54,11 +55,13 @@ void Application::run() {
         };
         terminationSignals_.push_back(g_unix_signal_add(number, received, this));
     }
+    portalBypass_.emplace();
     // The command line has been dealt with. None of it is for the toolkit.
     g_application_run(G_APPLICATION(application_.get()), 0, nullptr);
 }
 
 void Application::didStart() {
+    portalBypass_.reset();
     gtk_window_set_default_icon_name(applicationIdentifier);
     // It stays when its window is closed.
     g_application_hold(G_APPLICATION(application_.get()));

@@ -2,11 +2,13 @@
 
 #include "platform/Application.h"
 #include "platform/gtk/MainMenu.h"
+#include "platform/gtk/PortalBypass.h"
 #include "platform/gtk/SignalConnections.h"
 
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -57,6 +59,8 @@ private:
     std::unique_ptr<MainMenu> mainMenu_;
     std::vector<std::weak_ptr<Window>> windows_;
     GObjectPtr<GtkWindow> aboutPanel_;
+    /// Only until the toolkit has started.
+    std::optional<PortalBypass> portalBypass_;
     bool hasActivated_ = false;
     std::vector<guint> terminationSignals_;
     SignalConnections connections_;

@@ -61,9 +61,9 @@ void DBusMenu::announceLayout() {
     if (object_) object_->emitSignal("LayoutUpdated", g_variant_new("(ui)", revision_, 0));
 }
 
-bool DBusMenu::hostIsAboutToShow(std::int32_t id) {
+bool DBusMenu::hostIsAboutToShow(std::int32_t id, Announcement announcement) {
     if (id != 0 || !visibility_.aboutToShow(now())) return false;
-    const auto hasChanged = publishWaiting(Announcement::answer);
+    const auto hasChanged = publishWaiting(announcement);
     tellDelegate();
     return hasChanged;
 }

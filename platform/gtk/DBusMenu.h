@@ -35,6 +35,8 @@ public:
 
 private:
     using Invocation = GObjectPtr<GDBusMethodInvocation>;
+    /// How hosts learn of a change: by a signal to all of them, or first of all by the answer to the one that
+    /// asks. A strict host closes an open menu at the signal.
     enum class Announcement { signal, answer };
 
     /// `makeValue` may run on another thread.
@@ -47,8 +49,8 @@ private:
     void aboutToShow(GVariant* arguments, Invocation invocation);
     void aboutToShowGroup(GVariant* arguments, Invocation invocation);
 
-    /// Whether the host has to fetch the menu again.
-    bool hostIsAboutToShow(std::int32_t id);
+    /// Whether the menu has changed because of it.
+    bool hostIsAboutToShow(std::int32_t id, Announcement announcement);
     void hostSent(std::int32_t id, std::string_view event);
     void menuClosed();
     void tellDelegate();

@@ -159,7 +159,7 @@ void DBusMenu::aboutToShow(GVariant* arguments, Invocation invocation) {
     std::int32_t id = 0;
     g_variant_get(arguments, "(i)", &id);
     if (!published_->indexOf(id)) return returnInvalidArguments(std::move(invocation), unknownRow(id));
-    const auto needsUpdate = hostIsAboutToShow(id);
+    const auto needsUpdate = hostIsAboutToShow(id, Announcement::answer);
     returnValue(std::move(invocation), g_variant_new("(b)", needsUpdate ? TRUE : FALSE));
 }
 
@@ -170,7 +170,9 @@ void DBusMenu::aboutToShowGroup(GVariant* arguments, Invocation invocation) {
     for (const auto id : ids(array.get())) {
         if (!published_->indexOf(id)) {
             unknown.push_back(id);
-        } else if (hostIsAboutToShow(id)) {
+        } else if (hostIsAboutToShow(id, Announcement::signal)) {
+            // The hosts that ask for groups do not look at the answer, and follow a signal with the menu
+            // open.
             updates.push_back(id);
         }
     }

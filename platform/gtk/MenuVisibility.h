@@ -21,8 +21,10 @@ public:
 private:
     /// Calls that belong to one opening arrive within this time of the first.
     static constexpr std::chrono::milliseconds sameOpening{500};
-    /// A host that does not say "opened" does not say "closed" either. Nobody looks at a menu for longer.
-    static constexpr std::chrono::seconds longestLook{60};
+    /// A host that does not say "opened" does not say "closed" either; this is how long one of its menus is
+    /// taken to be open. Such hosts follow a change in the open menu, but do not make it larger, so the new
+    /// menu should be theirs while the old one is surely closed, and soon.
+    static constexpr std::chrono::seconds longestLook{20};
 
     bool begin(Time now);
 

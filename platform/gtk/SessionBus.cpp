@@ -101,7 +101,10 @@ bool sessionBusAnswers() {
 void doWithoutUnresponsiveSessionBus() {
     // An empty address, unlike a missing one, keeps the libraries from looking for a bus elsewhere or
     // starting one.
-    if (!sessionBusAnswers()) g_setenv(addressVariable, "", TRUE);
+    if (sessionBusAnswers()) return;
+    g_setenv(addressVariable, "", TRUE);
+    // The toolkit's accessibility takes it that an application is on the session bus, and fails without.
+    g_setenv("GTK_A11Y", "none", FALSE);
 }
 
 } // namespace harbrook::gtk

@@ -15,7 +15,7 @@ window.main-window.maximized, window.main-window.fullscreen, window.main-window.
 window.main-window.tiled-top, window.main-window.tiled-right, window.main-window.tiled-bottom,
 window.main-window.tiled-left { border-radius: 0; }
 window.main-window > overlay { border-radius: inherit; }
-window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; }
+window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; box-shadow: none; }
 
 button.titlebar-button, button.titlebar-button:backdrop {
   min-width: 14px; min-height: 14px;

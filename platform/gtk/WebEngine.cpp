@@ -3,15 +3,37 @@
 #include "platform/gtk/RenderingPolicy.h"
 #include "platform/gtk/WebSession.h"
 
+#include <memory>
+#include <string_view>
+
 namespace harbrook::gtk {
 
 namespace {
+
+/// Switches off a feature that has no setting of its own. An engine that does not know it needs no switch.
+void disableFeature(WebKitSettings* settings, std::string_view identifier) {
+    struct Unref {
+        void operator()(WebKitFeatureList* list) const { webkit_feature_list_unref(list); }
+    };
+    const std::unique_ptr<WebKitFeatureList, Unref> features(webkit_settings_get_all_features());
+    for (gsize i = 0; i < webkit_feature_list_get_length(features.get()); ++i) {
+        WebKitFeature* feature = webkit_feature_list_get(features.get(), i);
+        if (identifier == webkit_feature_get_identifier(feature)) {
+            webkit_settings_set_feature_enabled(settings, feature, FALSE);
+        }
+    }
+}
 
 GObjectPtr<WebKitSettings> makeSettings() {
     auto settings = GObjectPtr<WebKitSettings>::adopt(webkit_settings_new());
     // Every request for a window has to reach the shell, which opens none: without this the engine swallows
     // those that come without a gesture of the user's.
     webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
+    // No page here has an opener to be cut off from. Heeding this header of a server's would only throw away
+    // the web process that was made ready for its page, and keep a second one.
+    disableFeature(settings.get(), "CrossOriginOpenerPolicy");
+    // No look-ups for links that nobody has followed.
+    disableFeature(settings.get(), "LinkDNSPrefetch");
     // Full screen is the window's to enter, not the page's.
     webkit_settings_set_enable_fullscreen(settings.get(), FALSE);
     if (!hasRenderNode()) {

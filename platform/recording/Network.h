@@ -34,6 +34,8 @@ public:
     /// An answer of another protocol than HTTP.
     void answerWithoutStatus(std::string body);
     void fail(const std::string& localizedDescription);
+    /// Lets go of whoever waits for the answer.
+    void forgetHandler() { handler_ = {}; }
 
 private:
     void complete(Body body, std::optional<URLResponse> response, std::optional<Error> error);

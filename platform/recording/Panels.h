@@ -16,6 +16,8 @@ public:
     virtual ~Sheet() = default;
     /// The user ends the sheet. What a folder panel has chosen goes first (`OpenPanel::setChoice`).
     void simulateEnd(ModalResponse response);
+    /// Lets go of whoever waits for the answer.
+    void forgetCompletion() { completion_ = {}; }
 
 protected:
     friend struct Sheets;

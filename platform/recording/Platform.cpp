@@ -58,7 +58,10 @@ Platform::~Platform() {
 void Platform::shutDown() {
     for (const auto& child : processes_.children)
         child->forgetStreams();
-    sheets_.open.clear();
+    for (const auto& exchange : session_.exchanges())
+        exchange->forgetHandler();
+    for (const auto& sheet : std::exchange(sheets_.open, {}))
+        sheet->forgetCompletion();
     world_->scheduler.shutDown();
     for (const auto& untie : std::exchange(world_->atEnd, {}))
         untie();

@@ -71,8 +71,8 @@ TEST_F(MenuVisibilityTest, IsOpenForAsLongAsAHostThatTellsShowsIt) {
 
 TEST_F(MenuVisibilityTest, IsNotOpenForEverWhenTheHostDoesNotTell) {
     EXPECT_TRUE(visibility.aboutToShow(now));
-    EXPECT_TRUE(visibility.isOpen(now + seconds(30)));
-    EXPECT_FALSE(visibility.isOpen(now + seconds(90)));
+    EXPECT_TRUE(visibility.isOpen(now + seconds(15)));
+    EXPECT_FALSE(visibility.isOpen(now + seconds(30)));
 }
 
 } // namespace

@@ -98,12 +98,6 @@ def test_a_watcher_that_takes_over_gets_the_item(make_shell, desktop, watcher):
     watcher.item()
     other = Watcher(desktop)
     try:
-        other.bus.call(
-            "org.freedesktop.DBus",
-            "/",
-            "org.freedesktop.DBus",
-            "GetId",
-        )
         watcher.leave()
         other.arrive()
         other.item()
@@ -133,14 +127,14 @@ def test_a_watcher_that_always_refuses_harms_nothing(make_shell, desktop, watche
     assert shell.output == ""
 
 
-def test_without_a_session_bus_nothing_is_missing_and_nothing_is_said(make_shell, make_desktop):
+def test_without_a_session_bus_the_rest_works(make_shell, make_desktop):
     shell = make_shell(desktop=make_desktop(bus=False))
     shell.start()
     shell.server.wait_for_page()
     shell.server.wait_for_request("/api/state")
     shell.window()
     shell.quit()
-    assert shell.output == ""
+    assert "Status" not in shell.output
 
 
 def test_the_icon_follows_the_projects_and_stays_when_the_server_is_lost(make_shell, desktop, watcher):

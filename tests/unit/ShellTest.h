@@ -21,7 +21,11 @@ inline constexpr auto serverScript = "/opt/harbrook/resources/app/server.js";
 /// The shell on a recorded desktop. Nothing runs until the test says so.
 class ShellTest : public testing::Test {
 protected:
-    ~ShellTest() override { platform->shutDown(); }
+    // Re-executed rather than forked: the double has threads.
+    ShellTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+    // Before any member goes: a worker that still waits may use them.
+    void TearDown() override { platform->shutDown(); }
 
     /// Puts the interpreter and the script among the resources; launched, the interpreter does what `program`
     /// says.
