@@ -12,14 +12,14 @@ from pathlib import Path
 from harness.desktop import Desktop
 from harness.processes import end
 from harness.screenshots import ScreenshotMode
-from harness.waiting import NeverHappened
 
 from . import camera
 from .plan import Step
 
 START = 60.0  # seconds until the mode is on
 ANSWER = 60.0  # seconds for a request; the shell itself gives up on a page after some 18
-REPEAT = 5.0  # a request sent before the shell listens is lost
+REPEAT = 5.0
+LOOK = 0.5  # how often, while waiting, the shell is looked after
 GIVEN_UP = 18.0  # a page that was ready was so earlier than this
 
 SCREEN = (1600, 1000)  # at scale 1
@@ -63,6 +63,7 @@ class Session:
                 "HARBROOK_SHOTS": "1",
                 "HARBROOK_SHOTS_HOME": str(self.home),
                 "GDK_SCALE": str(scale),
+                "GSETTINGS_BACKEND": "memory",
             }
             for command in plan.services:
                 self._serve(command)
@@ -110,15 +111,34 @@ class Session:
     def _start(self, program, arguments):
         self._mode = ScreenshotMode(self._desktop.bus, self.data)
         self._undo.callback(self._mode.close)
-        shell = subprocess.Popen(
-            [program, *arguments], cwd=self.home, env=self._environment, stdin=subprocess.DEVNULL
-        )
+        self._output = self.home / "output.txt"
+        with self._output.open("wb") as output:
+            self._shell = subprocess.Popen(
+                [program, *arguments],
+                cwd=self.home,
+                env=self._environment,
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=output,
+            )
         # Asked to end, it waits for its server, and that for the projects it has started.
-        self._undo.callback(end, shell, within=30)
-        try:
-            self.window = self._mode.wait_for_window(START)
-        except NeverHappened as problem:
-            raise Failed(f"the shell does not come up: {problem}") from problem
+        self._undo.callback(end, self._shell, within=30)
+        if not self._within(START, self._mode.window_is_known):
+            raise self._failure(f"the shell did not come up within {START:.0f} s")
+        self.window = self._mode.wait_for_window()
+
+    def _within(self, seconds, happened):
+        """Whether it happened in time; raises Failed as soon as the shell has ended."""
+        deadline = time.monotonic() + seconds
+        while not happened(LOOK):
+            if self._shell.poll() is not None:
+                raise self._failure(f"the shell ended with {self._shell.returncode}")
+            if time.monotonic() >= deadline:
+                return False
+        return True
+
+    def _failure(self, what):
+        return Failed(f"{what}\n{self._output.read_text(errors='replace')}".rstrip())
 
     def show(self, step):
         """Shows a view and clicks in it; returns once the shell says that it is done."""
@@ -127,17 +147,15 @@ class Session:
         request = {"hash": step.hash(self.home), "token": token}
         if step.click:
             request["click"] = step.click
+        # What is sent before the shell listens is lost, so the first request is repeated.
+        patience, attempts = (REPEAT, int(ANSWER / REPEAT)) if self._requests == 1 else (ANSWER, 1)
         began = time.monotonic()
-        patience = REPEAT if self._requests == 1 else ANSWER
-        while not self._answered(request, patience):
-            if time.monotonic() - began >= ANSWER:
-                raise Failed(f"{step}: no answer within {ANSWER:.0f} s")
-        took = time.monotonic() - began
-        return Outcome(took, took < GIVEN_UP)
-
-    def _answered(self, request, patience):
-        self._mode.send(**request)
-        return self._mode.answered(request["token"], patience)
+        for _ in range(attempts):
+            self._mode.send(**request)
+            if self._within(patience, lambda patience: self._mode.answered(token, patience)):
+                took = time.monotonic() - began
+                return Outcome(took, took < GIVEN_UP)
+        raise self._failure(f"{step}: no answer within {ANSWER:.0f} s")
 
     def take(self, path):
         camera.take(self._desktop.screen, self.window, path)
