@@ -44,7 +44,7 @@ public:
 
     std::filesystem::path makeProgram(const Program& program) override {
         const auto name = "program" + std::to_string(++programs_);
-        const auto path = programsDirectory_.path() / name;
+        auto path = programsDirectory_.path() / name;
         std::ofstream(path.string() + ".out") << program.output;
         std::ofstream(path.string() + ".err") << program.errorOutput;
         writeScript(
