@@ -17,7 +17,7 @@ void LoadTracker::ownLoadRequested(std::string address) {
     ownAddress_ = std::move(address);
 }
 
-bool LoadTracker::isWarmUpDecision(const std::string& address) {
+bool LoadTracker::isWarmUpDecision(const std::string& address) const {
     return warmingUp_ && isBlank(address);
 }
 

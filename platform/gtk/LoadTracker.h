@@ -29,7 +29,7 @@ public:
     void ownLoadRequested(std::string address);
 
     /// A navigation to `address` is to be decided. Whether it is the warm-up's, which nobody else may see.
-    [[nodiscard]] bool isWarmUpDecision(const std::string& address);
+    [[nodiscard]] bool isWarmUpDecision(const std::string& address) const;
     /// It was decided, by the shell for anything but the warm-up. `isRedirect`: as a further hop of a load.
     void decided(const std::string& address, bool isRedirect, bool allowed);
     void started();

@@ -12,7 +12,7 @@ namespace harbrook::gtk {
 RenderingPolicy::RenderingPolicy() {
     constexpr gboolean unlessTheUserHas = FALSE;
     if (!hasRenderNode()) g_setenv("GSK_RENDERER", "cairo", unlessTheUserHas);
-    SandboxPreflight::begin();
+    beginSandboxPreflight();
 }
 
 bool hasRenderNode() {

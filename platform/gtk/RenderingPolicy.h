@@ -6,8 +6,8 @@ namespace harbrook::gtk {
 /// renderer on machines without a graphics device, and the question whether the engine's sandbox works here,
 /// whose answer is waited for when the first web view is made.
 ///
-/// Both can be told to the libraries by environment variable only. So it has to be made while the process has a
-/// single thread, and after the environment that programs started from here are to get has been noted.
+/// Both can be told to the libraries by environment variable only. So it has to be made while the process has
+/// a single thread, and after the environment that programs started from here are to get has been noted.
 class RenderingPolicy {
 public:
     RenderingPolicy();

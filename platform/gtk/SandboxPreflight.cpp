@@ -11,9 +11,7 @@
 #include <unistd.h>
 #include <utility>
 
-extern char** environ;
-
-namespace harbrook::gtk::SandboxPreflight {
+namespace harbrook::gtk {
 
 namespace {
 
@@ -43,7 +41,7 @@ bool succeeded() {
 
 } // namespace
 
-void begin() {
+void beginSandboxPreflight() {
     if (g_file_test("/.flatpak-info", G_FILE_TEST_EXISTS)) return;
     // "0" means that the sandbox stays. The variable is made now because adding one to the environment is not
     // safe once there are threads that may read it; changing the value of one that exists is.
@@ -64,11 +62,11 @@ void begin() {
     stage = failure ? Stage::failedToStart : Stage::running;
 }
 
-void finish() {
+void finishSandboxPreflight() {
     const auto reached = std::exchange(stage, Stage::notWanted);
     if (reached == Stage::notWanted) return;
     if (reached == Stage::running && succeeded()) return;
     g_setenv(variable, "1", TRUE);
 }
 
-} // namespace harbrook::gtk::SandboxPreflight
+} // namespace harbrook::gtk

@@ -10,6 +10,10 @@ namespace {
 
 constexpr auto styleSheet = R"css(
 /* The toolkit's frame with nothing of a title bar in it; the content takes the frame's corners. */
+window.main-window.csd { border-radius: 10px; }
+window.main-window.maximized, window.main-window.fullscreen, window.main-window.tiled,
+window.main-window.tiled-top, window.main-window.tiled-right, window.main-window.tiled-bottom,
+window.main-window.tiled-left { border-radius: 0; }
 window.main-window > overlay { border-radius: inherit; }
 window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; box-shadow: none; }
 

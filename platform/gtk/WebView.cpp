@@ -343,7 +343,7 @@ void WebView::evaluateJavaScript(const std::string& script, EvaluationHandler co
 
 std::shared_ptr<harbrook::WebView> makeWebView(
     NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration) {
-    SandboxPreflight::finish();
+    finishSandboxPreflight();
     return std::make_shared<WebView>(center, frame, configuration);
 }
 
