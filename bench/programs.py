@@ -65,6 +65,9 @@ class Bench:
         self.tree = self.folder / "installed"
         shutil.copytree(STAGE, self.tree, symlinks=True)
         resources = self.tree / "share" / "harbrook"
+        # In place of the dashboard, and of the file that says that its modules are of the other kind.
+        shutil.rmtree(resources / "app")
+        (resources / "app").mkdir()
         shutil.copy(SERVER, resources / "app" / "server.js")
         (resources / "runtime").mkdir(exist_ok=True)
         (resources / "runtime" / "node").symlink_to(shutil.which("node"))

@@ -38,9 +38,9 @@ void showAboutPanel(GtkWindow* panel, const AboutPanelOptions& options, GtkWindo
         }
     }
     gtk_window_set_transient_for(panel, parent);
-    // The panel would start with its first text selected.
-    gtk_window_set_focus(panel, nullptr);
     gtk_window_present(panel);
+    // The panel starts with its first text selected.
+    gtk_window_set_focus(panel, nullptr);
 }
 
 } // namespace harbrook::gtk

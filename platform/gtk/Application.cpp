@@ -1,6 +1,7 @@
 #include "platform/gtk/Application.h"
 
 #include "platform/gtk/AboutPanel.h"
+#include "platform/gtk/Bundle.h"
 #include "platform/gtk/EditingActions.h"
 #include "platform/gtk/Identity.h"
 #include "platform/gtk/SessionBus.h"
@@ -14,11 +15,22 @@
 
 namespace harbrook::gtk {
 
+namespace {
+
+/// An installed tree can be anywhere, outside the directories that the icon theme knows.
+void addOwnIcons() {
+    const auto icons = currentExecutable().parent_path().parent_path() / "share" / "icons";
+    gtk_icon_theme_add_search_path(gtk_icon_theme_get_for_display(gdk_display_get_default()), icons.c_str());
+}
+
+} // namespace
+
 Application::Application(int /*argc*/, char** /*argv*/) {
     // Window managers match a window with its launcher by this name.
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
+    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 
@@ -61,6 +73,7 @@ void Application::run() {
 
 void Application::didStart() {
     portalBypass_.reset();
+    addOwnIcons();
     gtk_window_set_default_icon_name(applicationIdentifier);
     // It stays when its window is closed.
     g_application_hold(G_APPLICATION(application_.get()));

@@ -47,4 +47,10 @@ PortalBypass::~PortalBypass() {
     if (filter_) g_dbus_connection_remove_filter(bus_.get(), filter_);
 }
 
+void keepEngineFromPortal() {
+    constexpr gboolean unlessTheUserHas = FALSE;
+    g_setenv("GIO_USE_POWER_PROFILE_MONITOR", "dbus", unlessTheUserHas);
+    g_setenv("GIO_USE_NETWORK_MONITOR", "netlink", unlessTheUserHas);
+}
+
 } // namespace harbrook::gtk

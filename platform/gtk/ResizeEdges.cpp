@@ -1,5 +1,7 @@
 #include "platform/gtk/ResizeEdges.h"
 
+#include "platform/gtk/Silent.h"
+
 namespace harbrook::gtk {
 
 namespace {
@@ -54,7 +56,7 @@ void ResizeEdges::add(
         if (along == GTK_ALIGN_FILL) return -1;
         return across == GTK_ALIGN_FILL ? edgeThickness : cornerSize;
     };
-    GtkWidget* widget = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    GtkWidget* widget = makeSilent(GTK_TYPE_BOX);
     gtk_widget_set_halign(widget, horizontal);
     gtk_widget_set_valign(widget, vertical);
     gtk_widget_set_size_request(widget, length(horizontal, vertical), length(vertical, horizontal));

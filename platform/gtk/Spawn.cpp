@@ -98,8 +98,9 @@ std::variant<pid_t, Error> spawn(const LaunchPlan& plan) {
     words.insert(words.end(), plan.arguments.begin(), plan.arguments.end());
     std::vector<std::string> variables;
     variables.reserve(plan.environment.size());
-    for (const auto& [name, value] : plan.environment)
-        variables.push_back(name + "=" + value);
+    for (const auto& [name, value] : plan.environment) {
+        variables.emplace_back(name).append("=").append(value);
+    }
 
     FileActions actions;
     const Attributes attributes;

@@ -10,10 +10,14 @@ namespace {
 
 constexpr auto styleSheet = R"css(
 /* The toolkit's frame with nothing of a title bar in it; the content takes the frame's corners. */
+window.main-window.csd { border-radius: 10px; }
+window.main-window.maximized, window.main-window.fullscreen, window.main-window.tiled,
+window.main-window.tiled-top, window.main-window.tiled-right, window.main-window.tiled-bottom,
+window.main-window.tiled-left { border-radius: 0; }
 window.main-window > overlay { border-radius: inherit; }
 window.main-window.solid-csd { padding: 0; border-width: 0; border-radius: 0; box-shadow: none; }
 
-button.titlebar-button, button.titlebar-button:backdrop {
+button.titlebar-button {
   min-width: 14px; min-height: 14px;
   margin: 0; padding: 0;
   border: none; border-radius: 7px;
@@ -23,14 +27,15 @@ button.titlebar-button, button.titlebar-button:backdrop {
   color: alpha(@theme_fg_color, 0.85);
   transition: background-color 120ms ease-out;
 }
-button.titlebar-button:backdrop { background-color: alpha(@theme_fg_color, 0.12); }
+/* Not :backdrop, which some window managers never bring about. */
+window.inactive button.titlebar-button { background-color: alpha(@theme_fg_color, 0.12); }
 button.titlebar-button > widget { opacity: 0; }
 button.titlebar-button.near > widget, button.titlebar-button:focus-visible > widget { opacity: 1; }
-button.titlebar-button.near { background-color: alpha(@theme_fg_color, 0.22); }
-button.titlebar-button:hover { background-color: alpha(@theme_fg_color, 0.34); }
-button.titlebar-button:active { background-color: alpha(@theme_fg_color, 0.5); }
-button.titlebar-button.close:hover { background-color: #d5493f; color: white; }
-button.titlebar-button.close:active { background-color: #a9362e; color: white; }
+window button.titlebar-button.near { background-color: alpha(@theme_fg_color, 0.22); }
+window button.titlebar-button:hover { background-color: alpha(@theme_fg_color, 0.34); }
+window button.titlebar-button:active { background-color: alpha(@theme_fg_color, 0.5); }
+window button.titlebar-button.close:hover { background-color: #d5493f; color: white; }
+window button.titlebar-button.close:active { background-color: #a9362e; color: white; }
 button.titlebar-button:focus-visible {
   outline: 2px solid @theme_selected_bg_color; outline-offset: 1px;
 }

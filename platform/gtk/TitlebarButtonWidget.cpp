@@ -1,5 +1,7 @@
 #include "platform/gtk/TitlebarButtonWidget.h"
 
+#include "platform/gtk/Silent.h"
+
 #include <cstddef>
 
 namespace harbrook::gtk {
@@ -51,7 +53,7 @@ void drawSign(GtkDrawingArea* area, cairo_t* cairo, int /*width*/, int /*height*
 
 GObjectPtr<GtkWidget> makeTitlebarButton(WindowButton which) {
     const Kind& kind = kinds[static_cast<std::size_t>(which)];
-    GtkWidget* sign = gtk_drawing_area_new();
+    GtkWidget* sign = makeSilent(GTK_TYPE_DRAWING_AREA);
     gtk_widget_set_can_target(sign, FALSE);
     gtk_drawing_area_set_draw_func(GTK_DRAWING_AREA(sign), drawSign, const_cast<Kind*>(&kind), nullptr);
 

@@ -46,7 +46,8 @@ public:
         queue_.asyncAfter(timeout, [weak = std::weak_ptr(exchange)] {
             if (const auto unfinished = weak.lock()) unfinished->timeOut();
         });
-        // Moved: the library lets go of an exchange only on the thread that began it, and this one may see the end.
+        // Moved: the library lets go of an exchange only on the thread that began it, and this one may see
+        // the end.
         queue_.async([this, exchange = std::move(exchange)] { exchange->start(session_.get()); });
     }
 

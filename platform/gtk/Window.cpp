@@ -4,6 +4,7 @@
 #include "platform/gtk/Application.h"
 #include "platform/gtk/EngineKeys.h"
 #include "platform/gtk/Sheet.h"
+#include "platform/gtk/Silent.h"
 #include "platform/gtk/StyleSheet.h"
 
 #include <cmath>
@@ -69,7 +70,7 @@ Window::~Window() {
 void Window::connectSignals() {
     // Its area is that of the content. It hears of a new size inside the layout, before the buttons get their
     // places in the same one.
-    GtkWidget* probe = gtk_drawing_area_new();
+    GtkWidget* probe = makeSilent(GTK_TYPE_DRAWING_AREA);
     gtk_widget_set_can_target(probe, FALSE);
     gtk_widget_insert_before(
         probe, GTK_WIDGET(overlay_.get()), gtk_widget_get_first_child(GTK_WIDGET(overlay_.get())));
@@ -95,6 +96,14 @@ void Window::connectSignals() {
             self.orderOut();
             self.application_.windowDidClose();
             return TRUE;
+        },
+        this);
+    connections_.add(
+        window_.get(), "notify::is-active",
+        [](GtkWindow* window, GParamSpec*, void*) noexcept {
+            const auto change =
+                gtk_window_is_active(window) ? gtk_widget_remove_css_class : gtk_widget_add_css_class;
+            change(GTK_WIDGET(window), "inactive");
         },
         this);
     connections_.add(

@@ -44,8 +44,8 @@ public:
     /// Seconds on the clock that the platform's delays are measured on.
     [[nodiscard]] virtual double now() = 0;
 
-    /// Makes windows and views possible.
-    virtual void provideDisplay() = 0;
+    /// Makes windows and views possible. Why they are not, or none.
+    [[nodiscard]] virtual std::optional<std::string> provideDisplay() = 0;
     /// An empty directory that can be written to, with nothing else in it.
     [[nodiscard]] virtual std::filesystem::path directory() = 0;
     /// What the file at `path` holds, or none.

@@ -40,7 +40,7 @@ public:
 
     double now() override { return platform_.now(); }
 
-    void provideDisplay() override {}
+    std::optional<std::string> provideDisplay() override { return std::nullopt; }
 
     std::filesystem::path directory() override { return "/home/ada/contract"; }
     std::optional<std::string> contents(const std::filesystem::path& path) override {

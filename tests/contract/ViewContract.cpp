@@ -19,7 +19,7 @@ class Views : public Contract {
 protected:
     void SetUp() override {
         Contract::SetUp();
-        desktop().provideDisplay();
+        if (const auto reason = desktop().provideDisplay()) GTEST_SKIP() << *reason;
         window_ = platform().makeWindow({{0, 0}, {800, 600}}, usualStyle, BackingStore::buffered, false);
         ASSERT_NE(window_, nullptr);
         button_ = window_->standardWindowButton(WindowButton::close);

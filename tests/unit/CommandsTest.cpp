@@ -46,6 +46,10 @@ struct ViewCommand {
     const char* hash;
 };
 
+std::ostream& operator<<(std::ostream& out, const ViewCommand& choice) {
+    return out << choice.titles.back();
+}
+
 class ViewCommands : public Commands, public testing::WithParamInterface<ViewCommand> {};
 
 TEST_P(ViewCommands, show_the_window_and_move_the_page) {

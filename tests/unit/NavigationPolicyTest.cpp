@@ -14,6 +14,10 @@ struct Row {
     NavigationDecision decision;
 };
 
+std::ostream& operator<<(std::ostream& out, const Row& row) {
+    return out << row.url;
+}
+
 class NavigationPolicy : public testing::TestWithParam<Row> {};
 
 TEST_P(NavigationPolicy, decides) {

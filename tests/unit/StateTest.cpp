@@ -146,6 +146,10 @@ struct Number {
     std::optional<std::int64_t> value;
 };
 
+std::ostream& operator<<(std::ostream& out, const Number& number) {
+    return out << number.text;
+}
+
 class StateInteger : public testing::TestWithParam<Number> {};
 
 TEST_P(StateInteger, is_a_whole_number_of_64_bits) {

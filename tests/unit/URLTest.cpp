@@ -12,6 +12,10 @@ struct Parts {
     std::optional<std::int64_t> port;
 };
 
+std::ostream& operator<<(std::ostream& out, const Parts& parts) {
+    return out << parts.text;
+}
+
 class URLParts : public testing::TestWithParam<Parts> {};
 
 TEST_P(URLParts, are_as_they_are_written) {

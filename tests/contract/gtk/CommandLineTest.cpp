@@ -18,6 +18,7 @@ namespace {
 void answer(std::vector<std::string> words) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

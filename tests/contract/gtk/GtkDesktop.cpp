@@ -30,11 +30,13 @@ public:
     }
     double now() override { return monotonicSeconds(); }
 
-    void provideDisplay() override {
+    std::optional<std::string> provideDisplay() override {
+        if (underThreadSanitizer) return threadsOfTheToolkit;
         static const PrivateDisplay display;
         // Windows belong to an application that has started up.
         static_cast<void>(platform().sharedApplication());
         g_application_register(g_application_get_default(), nullptr, nullptr);
+        return std::nullopt;
     }
 
     std::filesystem::path directory() override { return directory_.path(); }
@@ -42,7 +44,7 @@ public:
 
     std::filesystem::path makeProgram(const Program& program) override {
         const auto name = "program" + std::to_string(++programs_);
-        const auto path = programsDirectory_.path() / name;
+        auto path = programsDirectory_.path() / name;
         std::ofstream(path.string() + ".out") << program.output;
         std::ofstream(path.string() + ".err") << program.errorOutput;
         writeScript(

@@ -4,6 +4,15 @@
 
 namespace harbrook::contract {
 
+#if defined(__SANITIZE_THREAD__)
+inline constexpr bool underThreadSanitizer = true;
+#else
+inline constexpr bool underThreadSanitizer = false;
+#endif
+/// Why some tests are left out there: what they try runs on one thread of ours, and on several of GLib's.
+inline constexpr auto threadsOfTheToolkit =
+    "GLib's own threads share memory under locks that the thread sanitizer does not know";
+
 /// The real desktop, in real time. Whatever needs a display gets a private one.
 [[nodiscard]] std::unique_ptr<Desktop> makeGtkDesktop();
 

@@ -221,9 +221,9 @@ TEST_F(HTTP, what_is_not_http_is_an_error) {
 }
 
 TEST_F(HTTP, a_large_body_arrives_whole_and_one_without_end_is_an_error) {
-    constexpr std::size_t megabyte = 1024 * 1024;
+    constexpr std::size_t megabyte = std::size_t{1024} * 1024;
     const ScriptedServer server([](const ScriptedServer::Request& request) -> ScriptedServer::Reply {
-        const std::size_t size = (request.target == "/large" ? 8 : 65) * megabyte;
+        const std::size_t size = (request.target == "/large" ? 8U : 65U) * megabyte;
         return {ScriptedServer::answer(200, std::string(size, 'x'))};
     });
     EXPECT_EQ(get(server.address("/large")).body->size(), 8 * megabyte);

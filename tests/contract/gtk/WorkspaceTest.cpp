@@ -16,7 +16,14 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-TEST(Workspace, hands_an_address_to_its_program_and_nothing_else) {
+class Workspace : public testing::Test {
+protected:
+    void SetUp() override {
+        if (underThreadSanitizer) GTEST_SKIP() << threadsOfTheToolkit;
+    }
+};
+
+TEST_F(Workspace, hands_an_address_to_its_program_and_nothing_else) {
     const TemporaryDirectory directory;
     const auto seen = directory.path() / "seen";
     // It tells its argument, its open files and its environment, all at once.
@@ -48,7 +55,7 @@ TEST(Workspace, hands_an_address_to_its_program_and_nothing_else) {
     EXPECT_THAT(text, Not(HasSubstr("HARBROOK_TEST_LATE")));
 }
 
-TEST(Workspace, bears_in_silence_that_nobody_opens_an_address) {
+TEST_F(Workspace, bears_in_silence_that_nobody_opens_an_address) {
     EXPECT_TRUE(gtkPlatform().sharedWorkspace().openURL(*URL::URLWithString("harbrook-unknown:address")));
     static_cast<void>(runMainLoopUntil([] { return false; }, 0.1));
 }

@@ -38,11 +38,12 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
 class Desktop:
     """What is running is up to the arguments; everything is ended by close().
 
+    display: the name of a display that is there already, with its own window manager; None starts one.
     bus: False for no session bus at all.
     services: bus names that the bus starts on demand, each with its command.
     """
 
-    def __init__(self, size=(1920, 1200), bus=True, services=None):
+    def __init__(self, size=(1920, 1200), bus=True, services=None, display=None):
         # Short, because paths of sockets are limited to 107 bytes.
         self.folder = Path(tempfile.mkdtemp(prefix="hb-desktop-"))
         self.mark = uuid.uuid4().hex
@@ -62,13 +63,17 @@ class Desktop:
             "GDK_BACKEND": "x11",
         }
         try:
-            self._start_display(size)
+            if display:
+                self._use_display(display)
+            else:
+                self._start_display(size)
             self.bus = None
             if bus:
                 self._start_bus(services or {})
             else:
                 self._refuse_bus()
-            self._start_manager()
+            if not display:
+                self._start_manager()
         except BaseException:
             self.close()
             raise
@@ -107,8 +112,11 @@ class Desktop:
             lambda pipe: ["Xvfb", "-displayfd", pipe, "-screen", "0", screen, "-nolisten", "tcp", "-noreset"]
         )
         self._server = self._children[-1]
-        self.environment["DISPLAY"] = f":{number}"
-        self.screen = Screen(f":{number}")
+        self._use_display(f":{number}")
+
+    def _use_display(self, name):
+        self.environment["DISPLAY"] = name
+        self.screen = Screen(name)
         self._closers.append(self.screen.close)
 
     def end_display(self):

@@ -44,9 +44,13 @@ class ScreenshotMode:
     def close(self):
         self._watch.close()
 
+    def window_is_known(self, within):
+        """Whether the mode was on in time."""
+        return self._watch.wait_until(self.window_file.exists, within)
+
     def wait_for_window(self, within=PATIENCE):
         """The number of the main window, once the mode is on."""
-        if not self._watch.wait_until(self.window_file.exists, within):
+        if not self.window_is_known(within):
             raise NeverHappened(f"no {self.window_file} within {within:g} s")
         return int(self.window_file.read_text())
 

@@ -1,7 +1,7 @@
 import { h } from '../dom.js';
 import { icon } from '../icons.js';
 import { copyable, pageHead, spinner } from '../parts.js';
-import { count, listed } from '../text.js';
+import { count, listed, shortPath } from '../text.js';
 
 function servers(title, sign, entries, none) {
   return h('section', { class: 'panel', 'aria-label': title, key: title },
@@ -31,10 +31,10 @@ function redisLine({ port, product, version, keys, needsPassword }, docker) {
     h('span', { class: 'faint' }, about));
 }
 
-function engine({ available, reason, version, socket, containers = [] }) {
+function engine({ available, reason, version, socket, containers = [] }, home) {
   const running = containers.filter(({ state }) => state === 'running');
   const text = available
-    ? [h('li', { key: 'engine' }, h('span', { class: 'strong' }, version ? `Engine ${version}` : 'Engine'), copyable(socket),
+    ? [h('li', { key: 'engine' }, h('span', { class: 'strong' }, version ? `Engine ${version}` : 'Engine'), copyable(socket, shortPath(socket, home)),
       h('a', { class: 'link', href: '#/docker' }, `${running.length} of ${count(containers.length, 'container')} running`))]
     : [];
   return h('section', { class: 'panel', 'aria-label': 'Containers', key: 'containers' },
@@ -57,6 +57,6 @@ export function servicesView({ overview }) {
     h('div', { class: 'stack-panels', key: 'services' },
       servers('PostgreSQL', 'services', services.postgres.map((server) => postgresLine(server, services.docker)), 'No PostgreSQL server answers on its usual ports or Unix sockets.'),
       servers('Redis', 'bolt', services.redis.map((server) => redisLine(server, services.docker)), 'No Redis or Valkey server answers on its usual ports.'),
-      engine(services.docker)),
+      engine(services.docker, overview.home)),
   ];
 }

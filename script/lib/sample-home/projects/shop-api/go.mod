@@ -1,0 +1,3 @@
+module example.org/shop-api
+
+go 1.22
