@@ -86,7 +86,9 @@ def assert_page_stays(shell):
 
 
 def files(shell):
-    return {one for one in shell.home.rglob("*") if one.is_file() and one.suffix in {".bin", ".html"}}
+    """What a download would have left, finished or not."""
+    names = {"file", "report", "page"}
+    return {one for one in shell.home.rglob("*") if one.is_file() and one.name.lstrip(".").split(".")[0] in names}
 
 
 @pytest.mark.parametrize(
