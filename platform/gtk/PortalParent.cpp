@@ -34,7 +34,8 @@ void withPortalParent(GtkWindow* window, Known known) {
         const auto destroy = [](void* data) noexcept { delete static_cast<Known*>(data); };
         auto callback = std::make_unique<Known>(known);
         if (gdk_wayland_toplevel_export_handle(GDK_TOPLEVEL(surface), exported, callback.get(), destroy)) {
-            callback.release();
+            // The toolkit frees it.
+            static_cast<void>(callback.release());
             return;
         }
     }
