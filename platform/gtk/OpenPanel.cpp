@@ -1,6 +1,7 @@
 #include "platform/gtk/OpenPanel.h"
 
 #include "platform/gtk/MainMenu.h"
+#include "platform/gtk/PortalParent.h"
 #include "platform/gtk/Window.h"
 
 #include <utility>
@@ -11,11 +12,34 @@ void OpenPanel::beginSheetModalForWindow(
     const std::shared_ptr<harbrook::Window>& window, SheetCompletion completionHandler) {
     self_ = shared_from_this();
     completion_ = std::move(completionHandler);
-    // The toolkit's dialog chooses either files or folders.
-    const auto action = canChooseDirectories_ && !canChooseFiles_ ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER
-                                                                  : GTK_FILE_CHOOSER_ACTION_OPEN;
+    window_ = window;
+    if (!choosesFolders()) {
+        showToolkitPanel();
+        return;
+    }
+    withPortalParent(nativeWindow(window), [weak = weak_from_this()](const std::string& parent) {
+        if (const auto self = weak.lock()) self->askPortal(parent);
+    });
+}
+
+bool OpenPanel::choosesFolders() const {
+    // Either files or folders: neither kind of dialog offers both.
+    return canChooseDirectories_ && !canChooseFiles_;
+}
+
+void OpenPanel::askPortal(const std::string& parent) {
+    const auto answered = [this](const std::optional<std::filesystem::path>& folder) { end(folder); };
+    portal_.emplace(PortalFolderChooser::Question{parent, message_, prompt_, directory_}, answered, [this] {
+        showToolkitPanel();
+    });
+}
+
+void OpenPanel::showToolkitPanel() {
+    const auto action =
+        choosesFolders() ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER : GTK_FILE_CHOOSER_ACTION_OPEN;
     chooser_ = GObjectPtr<GtkFileChooserNative>::adopt(gtk_file_chooser_native_new(
-        message_.c_str(), nativeWindow(window), action, labelWithoutMnemonic(prompt_).c_str(), nullptr));
+        message_.c_str(), nativeWindow(window_.lock()), action, labelWithoutMnemonic(prompt_).c_str(),
+        nullptr));
     auto* chooser = GTK_FILE_CHOOSER(chooser_.get());
     gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(chooser_.get()), TRUE);
     gtk_file_chooser_set_select_multiple(chooser, allowsMultipleSelection_);
@@ -27,22 +51,29 @@ void OpenPanel::beginSheetModalForWindow(
     connections_.add(
         chooser_.get(), "response",
         [](GtkNativeDialog*, int response, void* self) noexcept {
-            static_cast<OpenPanel*>(self)->end(response);
+            static_cast<OpenPanel*>(self)->responded(response);
         },
         this);
     gtk_native_dialog_show(GTK_NATIVE_DIALOG(chooser_.get()));
 }
 
-void OpenPanel::end(int response) {
-    if (!self_) return;
-    const auto self = std::exchange(self_, nullptr);
+void OpenPanel::responded(int response) {
+    gtk_native_dialog_hide(GTK_NATIVE_DIALOG(chooser_.get()));
+    std::optional<std::filesystem::path> chosen;
     if (response == GTK_RESPONSE_ACCEPT) {
         const auto file =
             GObjectPtr<GFile>::adopt(gtk_file_chooser_get_file(GTK_FILE_CHOOSER(chooser_.get())));
         const GCharPtr path(file ? g_file_get_path(file.get()) : nullptr);
-        if (path) chosen_ = path.get();
+        if (path) chosen = path.get();
     }
-    gtk_native_dialog_hide(GTK_NATIVE_DIALOG(chooser_.get()));
+    end(chosen);
+}
+
+void OpenPanel::end(const std::optional<std::filesystem::path>& chosen) {
+    if (!self_) return;
+    const auto self = std::exchange(self_, nullptr);
+    forgetPortalParent(nativeWindow(window_.lock()));
+    chosen_ = chosen;
     const auto completion = std::exchange(completion_, nullptr);
     if (completion) completion(chosen_ ? NSModalResponseOK : NSModalResponseCancel);
 }

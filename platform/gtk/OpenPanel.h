@@ -1,15 +1,18 @@
 #pragma once
 
 #include "platform/Panels.h"
+#include "platform/gtk/PortalFolderChooser.h"
 #include "platform/gtk/SignalConnections.h"
 
 #include <gtk/gtk.h>
 
 #include <memory>
+#include <optional>
 
 namespace harbrook::gtk {
 
-/// The desktop's own dialog for choosing files or folders.
+/// The desktop's own dialog for choosing files or folders: the portal's for folders, where there is a portal;
+/// else the toolkit's.
 class OpenPanel final : public harbrook::OpenPanel, public std::enable_shared_from_this<OpenPanel> {
 public:
     void setCanChooseDirectories(bool flag) override { canChooseDirectories_ = flag; }
@@ -24,7 +27,11 @@ public:
     std::optional<std::filesystem::path> chosenURL() override { return chosen_; }
 
 private:
-    void end(int response);
+    [[nodiscard]] bool choosesFolders() const;
+    void askPortal(const std::string& parent);
+    void showToolkitPanel();
+    void responded(int response);
+    void end(const std::optional<std::filesystem::path>& chosen);
 
     bool canChooseDirectories_ = false;
     bool canChooseFiles_ = true;
@@ -35,6 +42,8 @@ private:
     std::filesystem::path directory_;
     std::optional<std::filesystem::path> chosen_;
     SheetCompletion completion_;
+    std::weak_ptr<harbrook::Window> window_;
+    std::optional<PortalFolderChooser> portal_;
     GObjectPtr<GtkFileChooserNative> chooser_;
     /// Keeps the panel until it is answered.
     std::shared_ptr<OpenPanel> self_;

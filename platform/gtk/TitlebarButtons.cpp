@@ -1,6 +1,5 @@
 #include "platform/gtk/TitlebarButtons.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace harbrook::gtk {
@@ -116,9 +115,12 @@ void TitlebarButtons::grabFocus() {
 }
 
 std::optional<GdkRectangle> TitlebarButtons::allocation(GtkWidget* widget, int windowHeight) const {
-    const auto button = std::ranges::find(buttons_, widget, [](const auto& each) { return each->widget(); });
-    if (button == buttons_.end()) return std::nullopt;
-    const Rect frame = (*button)->frame();
+    std::shared_ptr<Button> button;
+    for (const auto& each : buttons_) {
+        if (each->widget() == widget) button = each;
+    }
+    if (!button) return std::nullopt;
+    const Rect frame = button->frame();
     const Point base = container_->frame().origin;
     const Point inner = titlebar_->frame().origin;
     const double x = base.x + inner.x + frame.origin.x;

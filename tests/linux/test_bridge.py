@@ -6,6 +6,7 @@ import random
 import pytest
 
 from harness.input_page import input_page
+from harness.portal import CANCELLED, CHOSEN, Portal
 from harness.server import Plan
 from harness.waiting import stays, wait_until
 
@@ -222,6 +223,79 @@ def test_a_cancelled_choice_is_not_mentioned_to_the_page(running):
     wait_until("the panel is gone", lambda: len(running.windows()) == 1)
     stays("the page hears nothing", lambda: not picked(running), 1)
     assert running.program.poll() is None
+
+
+# Choosing it in the portal's dialog
+
+
+@pytest.fixture
+def desktop(make_desktop):
+    """Of its own: a portal is there for all programs of a session."""
+    return make_desktop()
+
+
+@pytest.fixture
+def make_portal(desktop):
+    portals = []
+
+    def make(**options):
+        portals.append(Portal(desktop, **options))
+        return portals[-1]
+
+    yield make
+    for portal in portals:
+        portal.close()
+
+
+@pytest.fixture
+def at_portal(make_shell, desktop):
+    shell = make_shell(Plan(answers={"/": {"body": input_page()}}), desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    return shell
+
+
+def test_where_there_is_a_portal_it_is_asked(at_portal, make_portal):
+    portal = make_portal()
+    at_portal.server.evaluate("post({k: 'pickFolder', v: 'roots'}); true")
+    parent, title, options = portal.question()
+    assert parent == f"x11:{at_portal.window().number:x}"
+    assert title == "Choose a folder."
+    assert options["accept_label"] == "Choose"
+    assert options["directory"] is True and options["modal"] is True
+    assert bytes(options["current_folder"]).rstrip(b"\0").decode() == str(at_portal.home)
+    assert len(at_portal.windows()) == 1
+    portal.respond(CHOSEN, "file:///srv/a%20b/%C3%A9")
+    wait_until("the page hears of it", lambda: picked(at_portal))
+    assert picked(at_portal) == [["folder", "/srv/a b/é", "roots"]]
+
+
+def test_a_choice_cancelled_at_the_portal_is_not_mentioned(at_portal, make_portal):
+    portal = make_portal()
+    at_portal.server.evaluate("post({k: 'pickFolder'}); true")
+    portal.question()
+    portal.respond(CANCELLED)
+    at_portal.server.evaluate("post({k: 'pickFolder'}); true")
+    portal.question(1)
+    portal.respond(CHOSEN, "file:///srv")
+    wait_until("the page hears of it", lambda: picked(at_portal))
+    assert picked(at_portal) == [["folder", "/srv", ""]]
+
+
+def test_a_portal_that_cannot_choose_folders_is_passed_over(at_portal, make_portal):
+    portal = make_portal(version=2)
+    at_portal.server.evaluate("post({k: 'pickFolder'}); true")
+    panel(at_portal)
+    assert not portal.questions
+
+
+def test_a_portal_that_does_not_answer_is_passed_over(make_shell, make_desktop):
+    desktop = make_desktop(services={"org.freedesktop.portal.Desktop": "/bin/sleep 600"})
+    shell = make_shell(Plan(answers={"/": {"body": input_page()}}), desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    shell.server.evaluate("post({k: 'pickFolder'}); true")
+    assert panel(shell).title == "Choose a folder that contains your projects."
 
 
 def test_random_texts_come_back_from_the_page_as_they_were(running):
