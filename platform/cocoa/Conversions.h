@@ -14,6 +14,8 @@
 
 // The one border between the core's values and the platform's objects. Any thread.
 
+NS_ASSUME_NONNULL_BEGIN
+
 namespace harbrook::cocoa {
 
 /// Text that is not UTF-8 becomes the empty string.
@@ -44,3 +46,5 @@ namespace harbrook::cocoa {
 [[nodiscard]] NSURLRequest* toNSURLRequest(const URLRequest& request);
 
 } // namespace harbrook::cocoa
+
+NS_ASSUME_NONNULL_END

@@ -7,6 +7,8 @@
 
 // Colours, fonts and images as the platform's objects.
 
+NS_ASSUME_NONNULL_BEGIN
+
 namespace harbrook::cocoa {
 
 /// A dynamic colour asks its provider each time the platform resolves it, on whatever thread that happens.
@@ -17,3 +19,5 @@ namespace harbrook::cocoa {
 [[nodiscard]] NSImage* _Nullable toNSImage(const Image& image);
 
 } // namespace harbrook::cocoa
+
+NS_ASSUME_NONNULL_END

@@ -101,7 +101,13 @@ NSImage* drawnImage(NSSize size, const Drawing& drawing) {
 } // namespace
 
 NSColor* toNSColor(const Color& color) {
-    return std::visit(Overloaded{fixedColor, systemColor, dynamicColor}, color.source());
+    return std::visit(
+        Overloaded{
+            [](SRGBColor fixed) { return fixedColor(fixed); },
+            [](SystemColor system) { return systemColor(system); },
+            [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
+        },
+        color.source());
 }
 
 NSFont* toNSFont(Font font) {

@@ -13,7 +13,7 @@ public:
     explicit Token(id token) : token_(token) {}
 
 private:
-    id token_;
+    [[maybe_unused]] id token_;
 };
 
 NSNotificationName toNSNotificationName(NotificationName name) {

@@ -46,7 +46,6 @@ static_assert(same(NSEventModifierFlagCommand, ::NSEventModifierFlagCommand));
 static_assert(same(EventType::leftMouseDown, NSEventTypeLeftMouseDown));
 
 static_assert(same(ImagePosition::imageLeading, NSImageLeading));
-static_assert(same(NSVariableStatusItemLength, ::NSVariableStatusItemLength));
 
 static_assert(same(NSModalResponseOK, ::NSModalResponseOK));
 static_assert(same(NSModalResponseCancel, ::NSModalResponseCancel));

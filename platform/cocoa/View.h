@@ -3,6 +3,8 @@
 #include "platform/View.h"
 #include "platform/cocoa/Frameworks.h"
 
+NS_ASSUME_NONNULL_BEGIN
+
 namespace harbrook::cocoa {
 
 /// A view over an `NSView`. While one lives it is the only one of its native view.
@@ -48,3 +50,5 @@ private:
 void activateConstraints(const std::vector<LayoutConstraint>& constraints);
 
 } // namespace harbrook::cocoa
+
+NS_ASSUME_NONNULL_END

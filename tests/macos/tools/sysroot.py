@@ -57,6 +57,17 @@ OBJECTIVE_C_LIBRARY = "/usr/lib/libobjc.A.dylib"
 THIRD_PARTY_LIBRARIES = {"libicuuc": "icuuc", "liburiparser": "uriparser"}
 THIRD_PARTY_HEADERS = ["unicode", "uriparser", "nlohmann"]
 
+# Declared in sysroot/objc/objc.h.
+C_STRUCTURES = {"NSFastEnumerationState"}
+
+# The table's collections hold objects of any class; the language lets a declaration name it.
+TYPE_PARAMETERS = {
+    "NSArray": "<__covariant ObjectType>", "NSMutableArray": "<ObjectType>",
+    "NSDictionary": "<__covariant KeyType, __covariant ObjectType>",
+    "NSMutableDictionary": "<KeyType, ObjectType>",
+}
+TYPE_ARGUMENTS = {"NSArray": "<ObjectType>", "NSDictionary": "<KeyType, ObjectType>"}
+
 
 # Headers
 
@@ -76,8 +87,11 @@ def without_unknown_protocols(types, known):
 
 
 def type_block(owner, members, known):
-    lines = [f"@{owner.kind if owner.kind == 'protocol' else 'interface'} "
-             + without_unknown_protocols(owner.declaration, known)]
+    head = without_unknown_protocols(owner.declaration, known)
+    if owner.owner in TYPE_PARAMETERS:
+        head = head.replace(owner.owner, owner.owner + TYPE_PARAMETERS[owner.owner], 1)
+        head = re.sub(r"(?<=: )(NSArray|NSDictionary)", lambda m: m.group(1) + TYPE_ARGUMENTS[m.group(1)], head)
+    lines = [f"@{owner.kind if owner.kind == 'protocol' else 'interface'} {head}"]
     if owner.owner == "NSObject":
         lines.append("{ Class isa; }")
     optional = False
@@ -131,7 +145,7 @@ def header(framework, facts):
     parts += ["#pragma clang assume_nonnull begin", "FACTS_BEGIN"]
     if framework == "Foundation":
         classes = sorted({f.owner for f in types if f.kind == "class"} | undeclared_classes(facts))
-        parts.append(f"@class {', '.join(classes)};")
+        parts.append(f"@class {', '.join(c + TYPE_PARAMETERS.get(c, '') for c in classes)};")
         parts.append(f"@protocol {', '.join(sorted(protocols - {'NSObject'}))};")
     for head in own:
         if head.kind in ("enumeration", "options"):
@@ -150,7 +164,7 @@ def undeclared_classes(facts):
     declared = {f.owner for f in facts if f.kind in ("class", "protocol", "enumeration", "options")}
     mentioned = {name for f in facts if f.parsed or f.kind in ("constant", "function")
                  for name in re.findall(r"\b((?:NS|WK)[A-Z]\w+) ?\*", f.declaration)}
-    return mentioned - declared
+    return mentioned - declared - C_STRUCTURES
 
 
 # Stubs

@@ -14,10 +14,11 @@ from facts import Method, Property, split_outside_brackets
 NUMBER_TYPES = {
     "NSInteger", "NSUInteger", "CGFloat", "NSTimeInterval", "double", "float", "int", "unsigned", "char",
     "long", "size_t", "int32_t", "uint32_t", "int64_t", "uint64_t", "intptr_t", "uintptr_t",
-    "dispatch_time_t", "OSStatus",
+    "dispatch_time_t", "OSStatus", "long long", "unsigned long long",
 }
 OBJECTS = ("interop.Object", "ObjectType", "KeyType")
 STRUCTURES = {"NSRect": "CGRect", "NSPoint": "CGPoint", "NSSize": "CGSize", "NSRange": "_NSRange"}
+C_STRUCTURES = {"NSFastEnumerationState"}
 # Where the values of an enumeration are not called by its own name: what stands before and after.
 COMMON_PARTS = {
     "NSWindowTitleVisibility": ("NSWindowTitle", ""),
@@ -27,6 +28,16 @@ COMMON_PARTS = {
     "NSAutoresizingMaskOptions": ("NSView", ""),
     "NSCellImagePosition": ("NS", ""),
     "NSURLRequestCachePolicy": ("NSURLRequest", ""),
+    "NSApplicationActivationOptions": ("NSApplicationActivate", ""),
+    "NSApplicationTerminateReply": ("NSTerminate", ""),
+    "NSActivityOptions": ("NSActivity", ""),
+    "NSKeyValueObservingOptions": ("NSKeyValueObservingOption", ""),
+    "NSSearchPathDirectory": ("NS", "Directory"),
+    "NSSearchPathDomainMask": ("NS", "Mask"),
+    "NSJSONReadingOptions": ("NSJSONReading", ""),
+    "NSJSONWritingOptions": ("NSJSONWriting", ""),
+    "NSLayoutRelation": ("NSLayoutRelation", "Equal"),
+    "NSWindowOrderingMode": ("NSWindow", ""),
     "WKUserScriptInjectionTime": ("WKUserScriptInjectionTimeAtDocument", ""),
 }
 QUALIFIERS = re.compile(
@@ -65,7 +76,7 @@ class Verifier:
             return theirs == STRUCTURES[ours]
         if ours in self.enumerations:
             return theirs == f"interop.Enum<typeof {ours}>"
-        if ours == "NSModalResponse" or ours in NUMBER_TYPES or ours.startswith("unsigned "):
+        if ours == "NSModalResponse" or ours in NUMBER_TYPES:
             return theirs == "number"
         if ours in ("NSString *", "char *"):
             return theirs == "string"
@@ -75,7 +86,7 @@ class Verifier:
         if protocol:
             return theirs in (protocol.group(1), "interop.Object")
         pointer = re.match(r"(\w+) ?\*$", ours)
-        if pointer and pointer.group(1) in self.published.classes:
+        if pointer and pointer.group(1) in self.published.classes and pointer.group(1) not in C_STRUCTURES:
             return self.same_class(pointer.group(1), theirs)
         if ours.endswith("*") or ours.endswith("* *"):
             return theirs.startswith("interop.Pointer")
@@ -169,6 +180,8 @@ class Verifier:
         prefix, suffix = COMMON_PARTS.get(fact.owner, (fact.owner, ""))
         values = self.published.enumerations.get(fact.owner, {})
         short = fact.name.removeprefix(prefix).removesuffix(suffix)
+        if fact.name in values:  # one that would otherwise have no name left
+            prefix, short, suffix = "", fact.name, ""
         if prefix + short + suffix != fact.name or short not in values:
             self.report(fact, "no such value")
         elif values[short] != int(fact.value):

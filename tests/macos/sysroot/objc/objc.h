@@ -24,6 +24,9 @@
 #define NS_OPTIONS(type, name) enum __attribute__((flag_enum)) name : type name; enum __attribute__((flag_enum)) name : type
 #endif
 
+#define NS_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")
+#define NS_ASSUME_NONNULL_END _Pragma("clang assume_nonnull end")
+
 #define YES __objc_yes
 #define NO __objc_no
 
@@ -54,6 +57,8 @@ static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat hei
 
 @class NSString, Protocol;
 typedef struct _NSZone NSZone;
+typedef NSString *NSAppearanceName;
+typedef NSString *NSNotificationName;
 
 @protocol NSObject
 - (BOOL)isEqual:(nullable id)object;
