@@ -51,6 +51,16 @@ std::string percentEncodedPath(std::string_view path) {
     return encoded;
 }
 
+/// `text` with the backslashes of a web address in front of its query turned into slashes, which is how every
+/// web engine reads them (WHATWG URL Standard, special schemes): what stands behind one is never a host.
+std::string withSlashesForBackslashes(std::string_view text) {
+    std::string result(text);
+    if (!text.starts_with("http:") && !text.starts_with("https:")) return result;
+    const auto end = std::min(text.find_first_of("?#"), text.size());
+    std::replace(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(end), '\\', '/');
+    return result;
+}
+
 /// `text` with everything percent-encoded that RFC 3986 allows nowhere, or not where it stands.
 std::string withDisallowedCharactersEncoded(std::string_view text) {
     const auto authority = text.find("://");
@@ -93,7 +103,7 @@ std::optional<std::int64_t> numberIn(const UriTextRangeA& range) {
 std::optional<URL> URL::URLWithString(std::string_view text) {
     if (text.empty()) return std::nullopt;
     URL url;
-    url.absoluteString_ = withDisallowedCharactersEncoded(text);
+    url.absoluteString_ = withDisallowedCharactersEncoded(withSlashesForBackslashes(text));
 
     UriUriA parts{};
     const char* first = url.absoluteString_.data();
