@@ -133,9 +133,8 @@ bool FileManager::isDirectory(const std::filesystem::path& path) const {
 }
 
 bool FileManager::isBelowFile(const std::filesystem::path& path) const {
-    return std::ranges::any_of(nodes_, [&](const auto& entry) {
-        return !entry.second->isDirectory && isBelow(path, entry.first);
-    });
+    return std::ranges::any_of(
+        nodes_, [&](const auto& entry) { return !entry.second->isDirectory && isBelow(path, entry.first); });
 }
 
 bool FileManager::writable(const std::filesystem::path& path) const {
