@@ -16,7 +16,8 @@ std::string fromNSString(NSString* _Nullable text) {
 
 NSArray<NSString*>* toNSArray(const std::vector<std::string>& texts) {
     NSMutableArray<NSString*>* const array = [NSMutableArray arrayWithCapacity:texts.size()];
-    for (const auto& text : texts) [array addObject:toNSString(text)];
+    for (const auto& text : texts)
+        [array addObject:toNSString(text)];
     return array;
 }
 
@@ -41,7 +42,8 @@ NSURL* fileURL(const std::filesystem::path& path) {
 }
 
 std::optional<std::filesystem::path> pathOf(NSURL* _Nullable url) {
-    if (!url) return std::nullopt;
+    if (!url)
+        return std::nullopt;
     return std::filesystem::path(fromNSString(url.path));
 }
 
@@ -58,17 +60,21 @@ Error fromNSError(NSError* error) {
 }
 
 std::optional<Error> optionalError(BOOL succeeded, NSError* _Nullable error) {
-    if (succeeded) return std::nullopt;
+    if (succeeded)
+        return std::nullopt;
     return error ? fromNSError(error) : Error{};
 }
 
 std::optional<Value> fromObject(id _Nullable object) {
-    if (!object || [object isKindOfClass:[NSNull class]]) return Value();
-    if ([object isKindOfClass:[NSString class]]) return Value(fromNSString(object));
+    if (!object || [object isKindOfClass:[NSNull class]])
+        return Value();
+    if ([object isKindOfClass:[NSString class]])
+        return Value(fromNSString(object));
     if ([object isKindOfClass:[NSNumber class]]) {
         NSNumber* const number = object;
         // A number keeps whether it was made from a boolean only in its class.
-        if ([number isKindOfClass:[@YES class]]) return Value(number.boolValue == YES);
+        if ([number isKindOfClass:[@YES class]])
+            return Value(number.boolValue == YES);
         return Value(number.doubleValue);
     }
     if ([object isKindOfClass:[NSArray class]]) {
@@ -78,15 +84,18 @@ std::optional<Value> fromObject(id _Nullable object) {
         }
         return Value(std::move(array));
     }
-    if ([object isKindOfClass:[NSDictionary class]]) return Value(fromNSDictionary(object));
+    if ([object isKindOfClass:[NSDictionary class]])
+        return Value(fromNSDictionary(object));
     return std::nullopt;
 }
 
 Value::Dictionary fromNSDictionary(NSDictionary* dictionary) {
     Value::Dictionary result;
     for (id key in dictionary) {
-        if (![key isKindOfClass:[NSString class]]) continue;
-        if (auto value = fromObject(dictionary[key])) result.emplace(fromNSString(key), *std::move(value));
+        if (![key isKindOfClass:[NSString class]])
+            continue;
+        if (auto value = fromObject(dictionary[key]))
+            result.emplace(fromNSString(key), *std::move(value));
     }
     return result;
 }
@@ -100,7 +109,8 @@ NSURLRequest* toNSURLRequest(const URLRequest& request) {
     for (const auto& [name, value] : request.headerFields) {
         [result setValue:toNSString(value) forHTTPHeaderField:toNSString(name)];
     }
-    if (request.httpBody) result.HTTPBody = toNSData(*request.httpBody);
+    if (request.httpBody)
+        result.HTTPBody = toNSData(*request.httpBody);
     return result;
 }
 

@@ -11,11 +11,15 @@ dispatch_time_t fromNow(double seconds) {
 } // namespace
 
 void DispatchQueue::async(Block block) {
-    dispatch_async(queue_, ^{ block(); });
+    dispatch_async(queue_, ^{
+      block();
+    });
 }
 
 void DispatchQueue::asyncAfter(double seconds, Block block) {
-    dispatch_after(fromNow(seconds), queue_, ^{ block(); });
+    dispatch_after(fromNow(seconds), queue_, ^{
+      block();
+    });
 }
 
 void DispatchSemaphore::signal() {
@@ -29,7 +33,9 @@ bool DispatchSemaphore::wait(double seconds) {
 Timer::Timer(double seconds, bool repeats, Block block)
     : timer_([NSTimer scheduledTimerWithTimeInterval:seconds
                                              repeats:repeats
-                                               block:^(NSTimer*) { block(); }]) {}
+                                               block:^(NSTimer*) {
+                                                 block();
+                                               }]) {}
 
 Timer::~Timer() {
     [timer_ invalidate];

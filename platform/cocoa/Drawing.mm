@@ -6,12 +6,8 @@ namespace harbrook::cocoa {
 
 namespace {
 
-template <typename... Handlers>
-struct Overloaded : Handlers... {
-    using Handlers::operator()...;
-};
-template <typename... Handlers>
-Overloaded(Handlers...) -> Overloaded<Handlers...>;
+template <typename... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
+template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 NSColor* fixedColor(SRGBColor color) {
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
@@ -19,27 +15,31 @@ NSColor* fixedColor(SRGBColor color) {
 
 NSAppearanceName toNSAppearanceName(AppearanceName name) {
     switch (name) {
-    case AppearanceName::NSAppearanceNameAqua: return NSAppearanceNameAqua;
-    case AppearanceName::NSAppearanceNameDarkAqua: return NSAppearanceNameDarkAqua;
+    case AppearanceName::NSAppearanceNameAqua:
+        return NSAppearanceNameAqua;
+    case AppearanceName::NSAppearanceNameDarkAqua:
+        return NSAppearanceNameDarkAqua;
     }
 }
 
 class NativeAppearance final : public Appearance {
-public:
+  public:
     explicit NativeAppearance(NSAppearance* appearance) : appearance_(appearance) {}
 
-    std::optional<AppearanceName> bestMatchFromAppearancesWithNames(
-        const std::vector<AppearanceName>& names) const override {
+    std::optional<AppearanceName>
+    bestMatchFromAppearancesWithNames(const std::vector<AppearanceName>& names) const override {
         NSMutableArray<NSAppearanceName>* const candidates = [NSMutableArray arrayWithCapacity:names.size()];
-        for (const auto name : names) [candidates addObject:toNSAppearanceName(name)];
+        for (const auto name : names)
+            [candidates addObject:toNSAppearanceName(name)];
         NSAppearanceName const best = [appearance_ bestMatchFromAppearancesWithNames:candidates];
         for (const auto name : names) {
-            if ([best isEqualToString:toNSAppearanceName(name)]) return name;
+            if ([best isEqualToString:toNSAppearanceName(name)])
+                return name;
         }
         return std::nullopt;
     }
 
-private:
+  private:
     NSAppearance* appearance_;
 };
 
@@ -47,13 +47,14 @@ NSColor* dynamicColor(const Color::DynamicProvider& provider) {
     const auto kept = provider;
     return [NSColor colorWithName:nil
                   dynamicProvider:^NSColor*(NSAppearance* appearance) {
-                      return fixedColor(kept(NativeAppearance(appearance)));
+                    return fixedColor(kept(NativeAppearance(appearance)));
                   }];
 }
 
 NSColor* systemColor(SystemColor color) {
     switch (color) {
-    case SystemColor::secondaryLabelColor: return NSColor.secondaryLabelColor;
+    case SystemColor::secondaryLabelColor:
+        return NSColor.secondaryLabelColor;
     }
 }
 
@@ -78,14 +79,13 @@ NSBezierPath* toNSBezierPath(const BezierPath& path) {
 }
 
 void draw(const DrawingStep& step) {
-    std::visit(
-        Overloaded{
-            [](SetFillColor fill) { [fixedColor(fill.color) setFill]; },
-            [](SetStrokeColor stroke) { [fixedColor(stroke.color) setStroke]; },
-            [](const FillPath& fill) { [toNSBezierPath(fill.path) fill]; },
-            [](const StrokePath& stroke) { [toNSBezierPath(stroke.path) stroke]; },
-        },
-        step);
+    std::visit(Overloaded{
+                   [](SetFillColor fill) { [fixedColor(fill.color) setFill]; },
+                   [](SetStrokeColor stroke) { [fixedColor(stroke.color) setStroke]; },
+                   [](const FillPath& fill) { [toNSBezierPath(fill.path) fill]; },
+                   [](const StrokePath& stroke) { [toNSBezierPath(stroke.path) stroke]; },
+               },
+               step);
 }
 
 NSImage* drawnImage(NSSize size, const Drawing& drawing) {
@@ -93,21 +93,21 @@ NSImage* drawnImage(NSSize size, const Drawing& drawing) {
     return [NSImage imageWithSize:size
                           flipped:drawing.flipped
                    drawingHandler:^BOOL(NSRect) {
-                       for (const auto& step : steps) draw(step);
-                       return YES;
+                     for (const auto& step : steps)
+                         draw(step);
+                     return YES;
                    }];
 }
 
 } // namespace
 
 NSColor* toNSColor(const Color& color) {
-    return std::visit(
-        Overloaded{
-            [](SRGBColor fixed) { return fixedColor(fixed); },
-            [](SystemColor system) { return systemColor(system); },
-            [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
-        },
-        color.source());
+    return std::visit(Overloaded{
+                          [](SRGBColor fixed) { return fixedColor(fixed); },
+                          [](SystemColor system) { return systemColor(system); },
+                          [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
+                      },
+                      color.source());
 }
 
 NSFont* toNSFont(Font font) {
@@ -116,24 +116,23 @@ NSFont* toNSFont(Font font) {
 }
 
 NSAttributedString* toNSAttributedString(const AttributedString& text) {
-    return [[NSMutableAttributedString alloc] initWithString:toNSString(text.string)
-                                                  attributes:@{
-                                                      NSFontAttributeName : toNSFont(text.font),
-                                                      NSForegroundColorAttributeName :
-                                                          toNSColor(text.foregroundColor),
-                                                  }];
+    return [[NSMutableAttributedString alloc]
+        initWithString:toNSString(text.string)
+            attributes:@{
+                NSFontAttributeName : toNSFont(text.font),
+                NSForegroundColorAttributeName : toNSColor(text.foregroundColor),
+            }];
 }
 
 NSImage* _Nullable toNSImage(const Image& image) {
     const auto size = NSMakeSize(image.size.width, image.size.height);
-    NSImage* const result = std::visit(
-        Overloaded{
-            [&](const std::filesystem::path& path) {
-                return [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
-            },
-            [&](const Drawing& drawing) { return drawnImage(size, drawing); },
-        },
-        image.source);
+    NSImage* const result = std::visit(Overloaded{
+                                           [&](const std::filesystem::path& path) {
+                                               return [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
+                                           },
+                                           [&](const Drawing& drawing) { return drawnImage(size, drawing); },
+                                       },
+                                       image.source);
     result.size = size;
     [result setTemplate:image.isTemplate];
     return result;

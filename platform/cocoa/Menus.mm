@@ -7,35 +7,47 @@ namespace harbrook::cocoa {
 namespace {
 
 id _Nullable toObject(const MenuItem::RepresentedObject& represented) {
-    if (const auto* number = std::get_if<std::int64_t>(&represented)) return @(*number);
-    if (const auto* text = std::get_if<std::string>(&represented)) return toNSString(*text);
+    if (const auto* number = std::get_if<std::int64_t>(&represented))
+        return @(*number);
+    if (const auto* text = std::get_if<std::string>(&represented))
+        return toNSString(*text);
     return nil;
 }
 
 MenuItem::RepresentedObject fromRepresentedObject(id _Nullable object) {
-    if ([object isKindOfClass:[NSNumber class]]) return std::int64_t{static_cast<NSNumber*>(object).longLongValue};
-    if ([object isKindOfClass:[NSString class]]) return fromNSString(object);
+    if ([object isKindOfClass:[NSNumber class]])
+        return std::int64_t{static_cast<NSNumber*>(object).longLongValue};
+    if ([object isKindOfClass:[NSString class]])
+        return fromNSString(object);
     return {};
 }
 
 NSMenuItem* toNSMenuItem(const MenuItem& item) {
-    if (item.isSeparator) return [NSMenuItem separatorItem];
+    if (item.isSeparator)
+        return [NSMenuItem separatorItem];
     SEL const action = item.action.empty() ? nullptr : NSSelectorFromString(toNSString(item.action));
     NSMenuItem* const result = [[NSMenuItem alloc] initWithTitle:toNSString(item.title)
                                                           action:action
                                                    keyEquivalent:toNSString(item.keyEquivalent)];
     result.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
-    if (item.target == ActionTarget::delegate) result.target = NSApp.delegate;
+    if (item.target == ActionTarget::delegate)
+        result.target = NSApp.delegate;
     result.representedObject = toObject(item.representedObject);
-    if (item.submenu) result.submenu = toNSMenu(*item.submenu);
+    if (item.submenu)
+        result.submenu = toNSMenu(*item.submenu);
     return result;
 }
 
 void takeRole(MenuRole role, NSMenu* menu) {
     switch (role) {
-    case MenuRole::none: break;
-    case MenuRole::windowsMenu: NSApp.windowsMenu = menu; break;
-    case MenuRole::helpMenu: NSApp.helpMenu = menu; break;
+    case MenuRole::none:
+        break;
+    case MenuRole::windowsMenu:
+        NSApp.windowsMenu = menu;
+        break;
+    case MenuRole::helpMenu:
+        NSApp.helpMenu = menu;
+        break;
     }
 }
 
@@ -43,7 +55,8 @@ void takeRole(MenuRole role, NSMenu* menu) {
 
 NSMenu* toNSMenu(const Menu& menu) {
     NSMenu* const result = [[NSMenu alloc] initWithTitle:toNSString(menu.title)];
-    for (const auto& item : menu.items) [result addItem:toNSMenuItem(item)];
+    for (const auto& item : menu.items)
+        [result addItem:toNSMenuItem(item)];
     takeRole(menu.role, result);
     return result;
 }
@@ -51,7 +64,8 @@ NSMenu* toNSMenu(const Menu& menu) {
 MenuItem fromNSMenuItem(NSMenuItem* item) {
     MenuItem result;
     result.title = fromNSString(item.title);
-    if (item.action) result.action = fromNSString(NSStringFromSelector(item.action));
+    if (item.action)
+        result.action = fromNSString(NSStringFromSelector(item.action));
     result.representedObject = fromRepresentedObject(item.representedObject);
     return result;
 }

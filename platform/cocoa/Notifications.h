@@ -16,8 +16,7 @@ public:
 
 class DistributedNotificationCenter final : public harbrook::DistributedNotificationCenter {
 public:
-    void addObserverForName(
-        const std::string& name, std::function<void(const UserInfo&)> block) override;
+    void addObserverForName(const std::string& name, std::function<void(const UserInfo&)> block) override;
 };
 
 } // namespace harbrook::cocoa

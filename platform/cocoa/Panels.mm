@@ -15,10 +15,12 @@ void Alert::addButtonWithTitle(const std::string& title) {
     [alert_ addButtonWithTitle:toNSString(title)];
 }
 
-void Alert::beginSheetModalForWindow(
-    const std::shared_ptr<harbrook::Window>& window, SheetCompletion completionHandler) {
+void Alert::beginSheetModalForWindow(const std::shared_ptr<harbrook::Window>& window,
+                                     SheetCompletion completionHandler) {
     [alert_ beginSheetModalForWindow:Window::nativeOf(*window)
-                   completionHandler:^(NSModalResponse response) { completionHandler(response); }];
+                   completionHandler:^(NSModalResponse response) {
+                     completionHandler(response);
+                   }];
 }
 
 void OpenPanel::setCanChooseDirectories(bool flag) {
@@ -49,10 +51,12 @@ void OpenPanel::setDirectoryURL(const std::filesystem::path& directory) {
     panel_.directoryURL = fileURL(directory);
 }
 
-void OpenPanel::beginSheetModalForWindow(
-    const std::shared_ptr<harbrook::Window>& window, SheetCompletion completionHandler) {
+void OpenPanel::beginSheetModalForWindow(const std::shared_ptr<harbrook::Window>& window,
+                                         SheetCompletion completionHandler) {
     [panel_ beginSheetModalForWindow:Window::nativeOf(*window)
-                   completionHandler:^(NSModalResponse response) { completionHandler(response); }];
+                   completionHandler:^(NSModalResponse response) {
+                     completionHandler(response);
+                   }];
 }
 
 std::optional<std::filesystem::path> OpenPanel::chosenURL() {

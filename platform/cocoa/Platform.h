@@ -28,7 +28,8 @@ public:
     harbrook::URLSession& sharedSession() override { return session_; }
     std::shared_ptr<harbrook::Task> makeTask() override;
     std::shared_ptr<harbrook::Pipe> makePipe() override;
-    std::shared_ptr<harbrook::FileHandle> fileHandleForWritingToURL(const std::filesystem::path& path) override;
+    std::shared_ptr<harbrook::FileHandle> fileHandleForWritingToURL(
+        const std::filesystem::path& path) override;
     std::shared_ptr<harbrook::FileHandle> fileHandleWithNullDevice() override;
     std::uint8_t secureRandomByte() override;
 

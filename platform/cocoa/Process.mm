@@ -15,7 +15,8 @@ NSPipe* nativeOf(harbrook::Pipe& pipe) {
 Environment ProcessInfo::environment() {
     NSDictionary<NSString*, NSString*>* const variables = NSProcessInfo.processInfo.environment;
     Environment result;
-    for (NSString* name in variables) result.emplace(fromNSString(name), fromNSString(variables[name]));
+    for (NSString* name in variables)
+        result.emplace(fromNSString(name), fromNSString(variables[name]));
     return result;
 }
 
@@ -26,7 +27,8 @@ int ProcessInfo::processIdentifier() {
 std::string FileHandle::availableData() {
     NSData* const data = handle_.availableData;
     // At end of file the handler would be called again and again; this also lets go of what it holds.
-    if (data.length == 0) handle_.readabilityHandler = nil;
+    if (data.length == 0)
+        handle_.readabilityHandler = nil;
     return fromNSData(data);
 }
 
@@ -45,7 +47,9 @@ void FileHandle::seekToEndOfFile() {
 void FileHandle::setReadabilityHandler(ReadabilityHandler handler) {
     // The handler holds this object, and with it the native handle, until end of file.
     const auto self = shared_from_this();
-    handle_.readabilityHandler = ^(NSFileHandle*) { handler(*self); };
+    handle_.readabilityHandler = ^(NSFileHandle*) {
+      handler(*self);
+    };
 }
 
 void Task::setExecutableURL(std::filesystem::path executable) {
@@ -62,7 +66,8 @@ void Task::setCurrentDirectoryURL(std::filesystem::path directory) {
 
 void Task::setEnvironment(Environment environment) {
     NSMutableDictionary<NSString*, NSString*>* const variables = [NSMutableDictionary dictionary];
-    for (const auto& [name, value] : environment) variables[toNSString(name)] = toNSString(value);
+    for (const auto& [name, value] : environment)
+        variables[toNSString(name)] = toNSString(value);
     task_.environment = variables;
 }
 

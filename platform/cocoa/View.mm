@@ -21,9 +21,12 @@ const void* keyOf(NSView* view) {
 
 NSLayoutAttribute toNSLayoutAttribute(LayoutAttribute attribute) {
     switch (attribute) {
-    case LayoutAttribute::centerX: return NSLayoutAttributeCenterX;
-    case LayoutAttribute::centerY: return NSLayoutAttributeCenterY;
-    case LayoutAttribute::width: return NSLayoutAttributeWidth;
+    case LayoutAttribute::centerX:
+        return NSLayoutAttributeCenterX;
+    case LayoutAttribute::centerY:
+        return NSLayoutAttributeCenterY;
+    case LayoutAttribute::width:
+        return NSLayoutAttributeWidth;
     }
 }
 
@@ -51,7 +54,8 @@ View::~View() {
 }
 
 std::shared_ptr<View> View::over(NSView* _Nullable view) {
-    if (!view) return nullptr;
+    if (!view)
+        return nullptr;
     const auto living = livingViews().find(keyOf(view));
     return living != livingViews().end() ? living->second->shared_from_this() : std::make_shared<View>(view);
 }
@@ -110,7 +114,8 @@ void TextField::setHidden(bool flag) {
 
 void activateConstraints(const std::vector<LayoutConstraint>& constraints) {
     NSMutableArray<NSLayoutConstraint*>* const native = [NSMutableArray arrayWithCapacity:constraints.size()];
-    for (const auto& constraint : constraints) [native addObject:toNSLayoutConstraint(constraint)];
+    for (const auto& constraint : constraints)
+        [native addObject:toNSLayoutConstraint(constraint)];
     [NSLayoutConstraint activateConstraints:native];
 }
 

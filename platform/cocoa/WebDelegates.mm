@@ -18,7 +18,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebNavigationDelegate>)delegate {
-    if ((self = [super init])) _delegate = std::move(delegate);
+    if ((self = [super init]))
+        _delegate = std::move(delegate);
     return self;
 }
 
@@ -27,7 +28,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
                     decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
     const auto delegate = _delegate.lock();
     // The web view insists on an answer.
-    if (!delegate) return decisionHandler(WKNavigationActionPolicyCancel);
+    if (!delegate)
+        return decisionHandler(WKNavigationActionPolicyCancel);
     delegate->decidePolicyForNavigationAction(
         fromWKNavigationAction(navigationAction), [&](harbrook::NavigationActionPolicy policy) {
             decisionHandler(static_cast<WKNavigationActionPolicy>(policy));
@@ -37,17 +39,18 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
 - (void)webView:(WKWebView*)webView
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
-    if (const auto delegate = _delegate.lock()) delegate->didFailProvisionalNavigation(fromNSError(error));
+    if (const auto delegate = _delegate.lock())
+        delegate->didFailProvisionalNavigation(fromNSError(error));
 }
 
-- (void)webView:(WKWebView*)webView
-    didFailNavigation:(WKNavigation*)navigation
-            withError:(NSError*)error {
-    if (const auto delegate = _delegate.lock()) delegate->didFailNavigation(fromNSError(error));
+- (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
+    if (const auto delegate = _delegate.lock())
+        delegate->didFailNavigation(fromNSError(error));
 }
 
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
-    if (const auto delegate = _delegate.lock()) delegate->didFailNavigation({"The page's process ended."});
+    if (const auto delegate = _delegate.lock())
+        delegate->didFailNavigation({"The page's process ended."});
 }
 
 @end
@@ -57,7 +60,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebUIDelegate>)delegate {
-    if ((self = [super init])) _delegate = std::move(delegate);
+    if ((self = [super init]))
+        _delegate = std::move(delegate);
     return self;
 }
 
@@ -66,7 +70,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
                forNavigationAction:(WKNavigationAction*)navigationAction
                     windowFeatures:(WKWindowFeatures*)windowFeatures {
     const auto delegate = _delegate.lock();
-    if (!delegate) return nil;
+    if (!delegate)
+        return nil;
     const auto view = delegate->createWebViewForNavigationAction(fromWKNavigationAction(navigationAction));
     return view ? static_cast<WKWebView*>(View::nativeOf(*view)) : nil;
 }
@@ -76,7 +81,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
                       initiatedByFrame:(WKFrameInfo*)frame
                      completionHandler:(void (^)(void))completionHandler {
     const auto delegate = _delegate.lock();
-    if (!delegate) return completionHandler();
+    if (!delegate)
+        return completionHandler();
     delegate->runJavaScriptAlertPanelWithMessage(fromNSString(message), completionHandler);
 }
 
@@ -85,7 +91,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
                         initiatedByFrame:(WKFrameInfo*)frame
                        completionHandler:(void (^)(BOOL))completionHandler {
     const auto delegate = _delegate.lock();
-    if (!delegate) return completionHandler(NO);
+    if (!delegate)
+        return completionHandler(NO);
     delegate->runJavaScriptConfirmPanelWithMessage(fromNSString(message), completionHandler);
 }
 
@@ -96,7 +103,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
 }
 
 - (instancetype)initWithHandler:(std::weak_ptr<harbrook::ScriptMessageHandler>)handler {
-    if ((self = [super init])) _handler = std::move(handler);
+    if ((self = [super init]))
+        _handler = std::move(handler);
     return self;
 }
 
@@ -104,7 +112,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
       didReceiveScriptMessage:(WKScriptMessage*)message {
     const auto handler = _handler.lock();
     auto body = fromObject(message.body);
-    if (!handler || !body) return;
+    if (!handler || !body)
+        return;
     handler->didReceiveScriptMessage({fromNSString(message.name), *std::move(body)});
 }
 

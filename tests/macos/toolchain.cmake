@@ -27,4 +27,11 @@ string(JOIN " " portable
 foreach(language C CXX OBJCXX)
   set(CMAKE_${language}_FLAGS_INIT ${portable})
 endforeach()
+# An archive of objects for two architectures is two archives, which the ordinary archiver does not make.
+foreach(language C CXX OBJCXX)
+  set(CMAKE_${language}_ARCHIVE_CREATE "${tools}/llvm-libtool-darwin -static -o <TARGET> <OBJECTS>")
+  set(CMAKE_${language}_ARCHIVE_APPEND "")
+  set(CMAKE_${language}_ARCHIVE_FINISH "")
+  set(CMAKE_${language}_CREATE_STATIC_LIBRARY "${tools}/llvm-libtool-darwin -static -o <TARGET> <OBJECTS>")
+endforeach()
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld")

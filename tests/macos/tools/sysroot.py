@@ -47,7 +47,7 @@ OBJECTIVE_C_RUNTIME = """
 """.split() + [f"objc_{verb}_x{register}" for verb in ("retain", "release") for register in range(29)]
 
 COMPILER_SUPPORT = """
-    __stack_chk_guard __stack_chk_fail _tlv_bootstrap dyld_stub_binder __cxa_thread_atexit _tlv_atexit bzero
+    __stack_chk_guard __stack_chk_fail _tlv_bootstrap dyld_stub_binder __cxa_thread_atexit _tlv_atexit bzero __bzero
     _Block_copy _Block_release _Block_object_assign _Block_object_dispose
     _NSConcreteGlobalBlock _NSConcreteStackBlock _dispatch_main_q
     __CFConstantStringClassReference __NSArray0__ __NSDictionary0__
