@@ -12,6 +12,9 @@ template <typename... Ts>
 struct Overloaded : Ts... {
     using Ts::operator()...;
 };
+// Compilers that know C++20 only in part need to be told.
+template <typename... Ts>
+Overloaded(Ts...) -> Overloaded<Ts...>;
 
 void addToPath(cairo_t* context, const BezierPath& path) {
     cairo_new_path(context);

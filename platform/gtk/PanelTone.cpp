@@ -131,8 +131,8 @@ void PanelToneWatch::alwaysDark() {
     setTone(PanelTone::dark);
 }
 
-void PanelToneWatch::preferenceIs(std::uint32_t preference) {
-    if (!isAlwaysDark_) setTone(preference == prefersDark ? PanelTone::dark : PanelTone::light);
+void PanelToneWatch::preferenceIs(std::uint32_t colorScheme) {
+    if (!isAlwaysDark_) setTone(colorScheme == prefersDark ? PanelTone::dark : PanelTone::light);
 }
 
 void PanelToneWatch::setTone(PanelTone tone) {

@@ -66,8 +66,8 @@ void StatusItem::performFirstItem() {
     const auto first = std::ranges::find_if(
         items, [](const MenuItem& item) { return item.isEnabled() && !item.action.empty(); });
     if (first == items.end()) return;
-    const auto item = *first;
-    perform_(item);
+    // A copy: what it does may replace the menu.
+    perform_(MenuItem(*first));
 }
 
 } // namespace harbrook::gtk

@@ -43,8 +43,9 @@ void Exchange::complete(Body body, std::optional<URLResponse> response, std::opt
     if (!handler_) return;
     world_->scheduler.addWorker(
         "session " + std::to_string(++session_.answers_),
-        [handler = std::exchange(handler_, {}), body = std::move(body), response = std::move(response),
-         error = std::move(error)] { handler(body, response, error); });
+        [handler = std::exchange(handler_, {}), body = std::move(body), response, error = std::move(error)] {
+            handler(body, response, error);
+        });
 }
 
 std::shared_ptr<URLSessionDataTask> URLSession::dataTaskWithRequest(
