@@ -39,8 +39,8 @@ std::string inQuotes(std::string_view text) {
 
 std::string format(double number) {
     std::array<char, 32> buffer{};
-    const char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-    return std::string(buffer.data(), end);
+    auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
+    return {buffer.data(), end};
 }
 
 std::string format(bool flag) {
