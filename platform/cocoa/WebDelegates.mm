@@ -11,10 +11,21 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
     return {fromNSURL(action.request.URL)};
 }
 
+// Written out, because their declarations (WebKitErrorDomain and
+// WebKitErrorFrameLoadInterruptedByPolicyChange) are deprecated while the engine still reports them.
+NSString* const interruptionDomain = @"WebKitErrorDomain";
+constexpr NSInteger interruptionCode = 102;
+
+bool isInterruption(NSError* error) {
+    return error.code == interruptionCode && [error.domain isEqualToString:interruptionDomain];
+}
+
 } // namespace
 
 @implementation HarbrookNavigationDelegate {
     std::weak_ptr<harbrook::WebNavigationDelegate> _delegate;
+    // The engine reports a refused redirect as a load that failed.
+    BOOL _lastDecisionWasCancel;
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebNavigationDelegate>)delegate {
@@ -32,6 +43,7 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
         return decisionHandler(WKNavigationActionPolicyCancel);
     delegate->decidePolicyForNavigationAction(
         fromWKNavigationAction(navigationAction), [&](harbrook::NavigationActionPolicy policy) {
+            self->_lastDecisionWasCancel = policy == harbrook::NavigationActionPolicy::cancel;
             decisionHandler(static_cast<WKNavigationActionPolicy>(policy));
         });
 }
@@ -39,6 +51,8 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
 - (void)webView:(WKWebView*)webView
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
+    if (_lastDecisionWasCancel && isInterruption(error))
+        return;
     if (const auto delegate = _delegate.lock())
         delegate->didFailProvisionalNavigation(fromNSError(error));
 }
