@@ -22,22 +22,6 @@ MenuItem::RepresentedObject fromRepresentedObject(id _Nullable object) {
     return {};
 }
 
-NSMenuItem* toNSMenuItem(const MenuItem& item) {
-    if (item.isSeparator)
-        return [NSMenuItem separatorItem];
-    SEL const action = item.action.empty() ? nullptr : NSSelectorFromString(toNSString(item.action));
-    NSMenuItem* const result = [[NSMenuItem alloc] initWithTitle:toNSString(item.title)
-                                                          action:action
-                                                   keyEquivalent:toNSString(item.keyEquivalent)];
-    result.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
-    if (item.target == ActionTarget::delegate)
-        result.target = NSApp.delegate;
-    result.representedObject = toObject(item.representedObject);
-    if (item.submenu)
-        result.submenu = toNSMenu(*item.submenu);
-    return result;
-}
-
 void takeRole(MenuRole role, NSMenu* menu) {
     switch (role) {
     case MenuRole::none:
@@ -51,13 +35,31 @@ void takeRole(MenuRole role, NSMenu* menu) {
     }
 }
 
+NSMenuItem* toNSMenuItem(const MenuItem& item) {
+    if (item.isSeparator)
+        return [NSMenuItem separatorItem];
+    SEL const action = item.action.empty() ? nullptr : NSSelectorFromString(toNSString(item.action));
+    NSMenuItem* const result = [[NSMenuItem alloc] initWithTitle:toNSString(item.title)
+                                                          action:action
+                                                   keyEquivalent:toNSString(item.keyEquivalent)];
+    result.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
+    if (item.target == ActionTarget::delegate)
+        result.target = NSApp.delegate;
+    result.representedObject = toObject(item.representedObject);
+    if (item.submenu) {
+        NSMenu* const submenu = toNSMenu(*item.submenu);
+        result.submenu = submenu;
+        takeRole(item.submenu->role, submenu);
+    }
+    return result;
+}
+
 } // namespace
 
 NSMenu* toNSMenu(const Menu& menu) {
     NSMenu* const result = [[NSMenu alloc] initWithTitle:toNSString(menu.title)];
     for (const auto& item : menu.items)
         [result addItem:toNSMenuItem(item)];
-    takeRole(menu.role, result);
     return result;
 }
 
