@@ -1,7 +1,7 @@
 // What one poll costs the main thread on Linux, from the decoded snapshot to the menu that the panel is
 // given: for a snapshot like the last one, and for one in which a port has changed.
 
-#include "platform/gtk/MenuLayout.h"
+#include "platform/gtk/status/MenuLayout.h"
 #include "status/StatusMenu.h"
 
 #include <benchmark/benchmark.h>

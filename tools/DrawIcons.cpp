@@ -2,7 +2,7 @@
 // Draws the pictures of the menu-bar icon by the shell's own recipe: at twice the size in points for the
 // shell, and at four times for panels that show it larger.
 
-#include "platform/gtk/Drawing.h"
+#include "platform/gtk/status/Drawing.h"
 #include "status/MenuBarIcon.h"
 
 #include <filesystem>

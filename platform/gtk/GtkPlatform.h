@@ -1,18 +1,18 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/gtk/Application.h"
-#include "platform/gtk/Bundle.h"
-#include "platform/gtk/ContextQueue.h"
-#include "platform/gtk/DistributedNotificationCenter.h"
-#include "platform/gtk/FileManager.h"
-#include "platform/gtk/GlobalQueue.h"
-#include "platform/gtk/NotificationCenter.h"
-#include "platform/gtk/ProcessInfo.h"
-#include "platform/gtk/RenderingPolicy.h"
-#include "platform/gtk/StatusBar.h"
-#include "platform/gtk/URLSession.h"
-#include "platform/gtk/Workspace.h"
+#include "platform/gtk/app/Application.h"
+#include "platform/gtk/bus/DistributedNotificationCenter.h"
+#include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/ContextQueue.h"
+#include "platform/gtk/foundation/FileManager.h"
+#include "platform/gtk/foundation/GlobalQueue.h"
+#include "platform/gtk/foundation/NotificationCenter.h"
+#include "platform/gtk/foundation/ProcessInfo.h"
+#include "platform/gtk/foundation/URLSession.h"
+#include "platform/gtk/foundation/Workspace.h"
+#include "platform/gtk/status/StatusBar.h"
+#include "platform/gtk/web/RenderingPolicy.h"
 
 #include <thread>
 

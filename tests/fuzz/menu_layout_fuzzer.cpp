@@ -1,6 +1,6 @@
 // Any sequence of menus: each layout is its menu, ids are unique, and no row takes over another row's id.
 
-#include "platform/gtk/MenuLayout.h"
+#include "platform/gtk/status/MenuLayout.h"
 #include "tests/fuzz/FuzzInput.h"
 
 #include <set>

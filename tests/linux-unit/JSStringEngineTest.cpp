@@ -1,7 +1,7 @@
 // `jsString` in the script engine that runs the page: what a literal evaluates to is the text it was made
 // from.
 
-#include "platform/gtk/GObjectPtr.h"
+#include "platform/gtk/foundation/GObjectPtr.h"
 #include "window/JSString.h"
 
 #include <gtest/gtest.h>

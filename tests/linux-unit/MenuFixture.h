@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/gtk/MenuLayout.h"
+#include "platform/gtk/status/MenuLayout.h"
 #include "status/StatusMenu.h"
 
 #include <string>

@@ -1,4 +1,4 @@
-#include "platform/gtk/MenuVariant.h"
+#include "platform/gtk/status/MenuVariant.h"
 
 #include "tests/linux-unit/MenuFixture.h"
 

@@ -1,4 +1,4 @@
-#include "platform/gtk/MenuVisibility.h"
+#include "platform/gtk/status/MenuVisibility.h"
 
 #include <gtest/gtest.h>
 

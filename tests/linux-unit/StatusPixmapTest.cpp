@@ -1,8 +1,8 @@
-#include "platform/gtk/StatusPixmap.h"
+#include "platform/gtk/status/StatusPixmap.h"
 
-#include "platform/gtk/Drawing.h"
-#include "platform/gtk/Images.h"
-#include "platform/gtk/PanelTone.h"
+#include "platform/gtk/status/Drawing.h"
+#include "platform/gtk/status/Images.h"
+#include "platform/gtk/status/PanelTone.h"
 #include "status/MenuBarIcon.h"
 
 #include <gmock/gmock.h>

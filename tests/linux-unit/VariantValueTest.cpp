@@ -1,6 +1,6 @@
-#include "platform/gtk/VariantValue.h"
+#include "platform/gtk/bus/VariantValue.h"
 
-#include "platform/gtk/DistributedNotificationCenter.h"
+#include "platform/gtk/bus/DistributedNotificationCenter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/gtk/FileDescriptor.h"
+#include "platform/gtk/foundation/FileDescriptor.h"
 #include "tests/contract/Shared.h"
 #include "tests/contract/gtk/GtkDesktop.h"
 

@@ -1,6 +1,6 @@
-#include "platform/gtk/CommandLine.h"
+#include "platform/gtk/app/CommandLine.h"
 
-#include "platform/gtk/ProcessSetup.h"
+#include "platform/gtk/foundation/ProcessSetup.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
-#include "platform/gtk/ContextQueue.h"
-#include "platform/gtk/GlobalQueue.h"
-#include "platform/gtk/Semaphore.h"
-#include "platform/gtk/Timer.h"
+#include "platform/gtk/foundation/ContextQueue.h"
+#include "platform/gtk/foundation/GlobalQueue.h"
+#include "platform/gtk/foundation/Semaphore.h"
+#include "platform/gtk/foundation/Timer.h"
 #include "tests/contract/gtk/GtkDesktop.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/gtk/Bundle.h"
-#include "platform/gtk/FileManager.h"
+#include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/FileManager.h"
 #include "tests/contract/gtk/GtkDesktop.h"
 
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "platform/gtk/LoadTracker.h"
+#include "platform/gtk/web/LoadTracker.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/contract/gtk/PrivateDisplay.h"
 
-#include "platform/gtk/ProcessInfo.h"
-#include "platform/gtk/Task.h"
+#include "platform/gtk/foundation/ProcessInfo.h"
+#include "platform/gtk/foundation/Task.h"
 
 #include <gtk/gtk.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/gtk/FileDescriptor.h"
+#include "platform/gtk/foundation/FileDescriptor.h"
 
 #include <condition_variable>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "tests/contract/gtk/GtkDesktop.h"
 
-#include "platform/gtk/FileDescriptor.h"
+#include "platform/gtk/foundation/FileDescriptor.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -127,12 +127,16 @@ class Shell:
         """The engine's own processes, without the sandbox's around them."""
         return [one for one in self.processes() if one.name.startswith("WebKit")]
 
-    def close(self):
+    def end_left_behind(self):
+        """Ends by force whatever lives of what the program started, itself included."""
         for program in self.programs:
             if program.poll() is None:
                 program.kill()
             program.wait()
         end_marked(MARK, self.mark)
+
+    def close(self):
+        self.end_left_behind()
         self.switchboard.close()
 
     # Files

@@ -1,0 +1,199 @@
+#include "platform/gtk/app/Application.h"
+
+#include "platform/gtk/app/AboutPanel.h"
+#include "platform/gtk/app/EditingActions.h"
+#include "platform/gtk/app/Identity.h"
+#include "platform/gtk/bus/SessionBus.h"
+#include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/window/Window.h"
+
+#include <glib-unix.h>
+
+#include <algorithm>
+#include <csignal>
+#include <utility>
+
+namespace harbrook::gtk {
+
+namespace {
+
+/// An installed tree can be anywhere, outside the directories that the icon theme knows.
+void addOwnIcons() {
+    const auto icons = currentExecutable().parent_path().parent_path() / "share" / "icons";
+    gtk_icon_theme_add_search_path(gtk_icon_theme_get_for_display(gdk_display_get_default()), icons.c_str());
+}
+
+} // namespace
+
+Application::Application(int /*argc*/, char** /*argv*/) {
+    // Window managers match a window with its launcher by this name.
+    g_set_prgname(applicationIdentifier);
+    g_set_application_name(applicationName);
+    doWithoutUnresponsiveSessionBus();
+    keepEngineFromPortal();
+    application_ = GObjectPtr<GtkApplication>::adopt(
+        gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
+
+    // The desktop's end of session then ends this program the normal way.
+    g_object_set(application_.get(), "register-session", TRUE, nullptr);
+    connections_.add(
+        application_.get(), "startup",
+        [](GtkApplication*, void* self) noexcept { static_cast<Application*>(self)->didStart(); }, this);
+    connections_.add(
+        application_.get(), "activate",
+        [](GtkApplication*, void* self) noexcept { static_cast<Application*>(self)->didActivate(); }, this);
+    connections_.add(
+        application_.get(), "shutdown",
+        [](GtkApplication*, void* self) noexcept { static_cast<Application*>(self)->willEnd(); }, this);
+}
+
+Application::~Application() {
+    for (const guint source : terminationSignals_)
+        g_source_remove(source);
+}
+
+void Application::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
+    delegate_ = std::move(delegate);
+}
+
+void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+void Application::run() {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        const auto received = [](void* self) noexcept -> gboolean {
+            static_cast<Application*>(self)->terminate();
+            return G_SOURCE_CONTINUE;
+        };
+        terminationSignals_.push_back(g_unix_signal_add(number, received, this));
+    }
+    portalBypass_.emplace();
+    // The command line has been dealt with. None of it is for the toolkit.
+    g_application_run(G_APPLICATION(application_.get()), 0, nullptr);
+}
+
+void Application::didStart() {
+    portalBypass_.reset();
+    addOwnIcons();
+    gtk_window_set_default_icon_name(applicationIdentifier);
+    // It stays when its window is closed.
+    g_application_hold(G_APPLICATION(application_.get()));
+    if (const auto delegate = delegate_.lock()) delegate->applicationDidFinishLaunching();
+}
+
+void Application::didActivate() {
+    // The first activation is the start itself.
+    if (!std::exchange(hasActivated_, true)) return;
+    const auto delegate = delegate_.lock();
+    if (!delegate) return;
+    const bool hasVisibleWindows =
+        std::ranges::any_of(windows(), [](const auto& window) { return window->isVisible(); });
+    delegate->applicationShouldHandleReopen(hasVisibleWindows);
+}
+
+void Application::willEnd() {
+    // What the delegate does last may take long. The user should not face windows that no longer answer.
+    for (const auto& window : windows())
+        window->orderOut();
+    if (auto* display = gdk_display_get_default()) gdk_display_flush(display);
+    if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate();
+}
+
+void Application::terminate() {
+    g_application_quit(G_APPLICATION(application_.get()));
+}
+
+void Application::activateIgnoringOtherApps(bool /*flag*/) {
+    const auto all = windows();
+    const auto* list = gtk_application_get_windows(application_.get());
+    for (const auto* entry = list; entry; entry = entry->next) {
+        if (gtk_window_is_active(GTK_WINDOW(entry->data))) return;
+    }
+    for (const auto& window : all) {
+        if (window->isVisible()) window->makeKeyAndOrderFront();
+    }
+}
+
+void Application::setMainMenu(const Menu& menu) {
+    mainMenu_.reset();
+    mainMenu_ = std::make_unique<MainMenu>(
+        application_.get(), menu, [this](const MenuItem& item) { sendAction(item); });
+    for (const auto& window : windows())
+        window->setMainMenu(*mainMenu_);
+    windowTitleDidChange();
+}
+
+void Application::orderFrontStandardAboutPanelWithOptions(const AboutPanelOptions& options) {
+    const auto all = windows();
+    if (!aboutPanel_) aboutPanel_ = makeAboutPanel();
+    showAboutPanel(aboutPanel_.get(), options, all.empty() ? nullptr : all.front()->native());
+}
+
+std::shared_ptr<const Event> Application::currentEvent() {
+    for (const auto& window : windows()) {
+        if (auto event = window->pressedEvent()) return event;
+    }
+    return nullptr;
+}
+
+void Application::sendAction(const MenuItem& item) {
+    for (const auto& window : windows())
+        window->dismissMenuBar();
+    if (item.target == ActionTarget::responderChain && performStandardAction(item.action)) return;
+    const auto delegate = delegate_.lock();
+    if (delegate && delegate->respondsToSelector(item.action)) delegate->performSelector(item.action, item);
+}
+
+bool Application::performStandardAction(std::string_view selector) {
+    GtkWindow* active = gtk_application_get_active_window(application_.get());
+    GtkWidget* focused = active ? gtk_window_get_focus(active) : nullptr;
+    if (performEditingAction(focused, selector)) return true;
+    if (selector == "terminate:") {
+        terminate();
+    } else if (selector == "hide:") {
+        for (const auto& window : windows())
+            window->orderOut();
+    } else if (selector == "performMiniaturize:") {
+        if (active) gtk_window_minimize(active);
+    } else if (selector == "performZoom:") {
+        for (const auto& window : windows())
+            window->zoom();
+    } else if (selector == "performClose:") {
+        if (active) gtk_window_close(active);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void Application::addWindow(const std::shared_ptr<Window>& window) {
+    windows_.push_back(window);
+    if (mainMenu_) window->setMainMenu(*mainMenu_);
+    windowTitleDidChange();
+}
+
+void Application::windowTitleDidChange() {
+    if (!mainMenu_) return;
+    std::vector<std::string> titles;
+    for (const auto& window : windows())
+        titles.push_back(window->title());
+    mainMenu_->setWindowTitles(titles, [this](std::size_t index) {
+        const auto all = windows();
+        if (index < all.size()) all[index]->makeKeyAndOrderFront();
+    });
+}
+
+void Application::windowDidClose() {
+    if (std::ranges::any_of(windows(), [](const auto& window) { return window->isVisible(); })) return;
+    const auto delegate = delegate_.lock();
+    if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) terminate();
+}
+
+std::vector<std::shared_ptr<Window>> Application::windows() const {
+    std::vector<std::shared_ptr<Window>> all;
+    for (const auto& entry : windows_) {
+        if (auto window = entry.lock()) all.push_back(std::move(window));
+    }
+    return all;
+}
+
+} // namespace harbrook::gtk

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/Application.h"
+#include "platform/gtk/app/MainMenu.h"
+#include "platform/gtk/bus/PortalBypass.h"
+#include "platform/gtk/foundation/SignalConnections.h"
+
+#include <gtk/gtk.h>
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace harbrook::gtk {
+
+class Window;
+
+/// The application as the desktop knows it: one running instance in the session, known by its identifier.
+/// Starting the program again re-opens the window of the first instance.
+class Application final : public harbrook::Application {
+public:
+    /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
+    /// before the process has other threads.
+    Application(int argc, char** argv);
+    ~Application() override;
+
+    void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
+    /// There is one policy: an application with windows, menus and a launcher entry.
+    void setActivationPolicy(ActivationPolicy policy) override;
+    void run() override;
+    void activateIgnoringOtherApps(bool flag) override;
+    void setMainMenu(const Menu& menu) override;
+    void orderFrontStandardAboutPanelWithOptions(const AboutPanelOptions& options) override;
+    void terminate() override;
+    std::shared_ptr<const Event> currentEvent() override;
+
+    /// Performs the action of a chosen menu item: what the responder chain answers itself, or else the
+    /// delegate's method of that name.
+    void sendAction(const MenuItem& item);
+
+    [[nodiscard]] GtkApplication* native() const { return application_.get(); }
+    /// The main menu, or null before there is one.
+    [[nodiscard]] const MainMenu* mainMenu() const { return mainMenu_.get(); }
+    void addWindow(const std::shared_ptr<Window>& window);
+    void windowTitleDidChange();
+    /// The user has closed a window. Terminates if that was the last one and the delegate wants it so.
+    void windowDidClose();
+
+private:
+    void didStart();
+    void didActivate();
+    void willEnd();
+    bool performStandardAction(std::string_view selector);
+    [[nodiscard]] std::vector<std::shared_ptr<Window>> windows() const;
+
+    GObjectPtr<GtkApplication> application_;
+    std::weak_ptr<ApplicationDelegate> delegate_;
+    std::unique_ptr<MainMenu> mainMenu_;
+    std::vector<std::weak_ptr<Window>> windows_;
+    GObjectPtr<GtkWindow> aboutPanel_;
+    /// Only until the toolkit has started.
+    std::optional<PortalBypass> portalBypass_;
+    bool hasActivated_ = false;
+    std::vector<guint> terminationSignals_;
+    SignalConnections connections_;
+};
+
+} // namespace harbrook::gtk

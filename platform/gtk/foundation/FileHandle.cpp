@@ -1,0 +1,115 @@
+#include "platform/gtk/foundation/FileHandle.h"
+
+#include "platform/gtk/foundation/Thread.h"
+
+#include <fcntl.h>
+#include <poll.h>
+
+#include <array>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace harbrook::gtk {
+
+namespace {
+
+/// What one read takes at most: as much as `cat` takes, so that copying a flood of output costs no more.
+constexpr std::size_t readSize = std::size_t{128} * 1024;
+
+/// What a watched pipe holds at most; an unprivileged user is allowed that much. The writer then runs on
+/// while the handler is at work.
+constexpr int watchedPipeSize = 1024 * 1024;
+
+} // namespace
+
+std::string_view FileHandle::readIntoBuffer() {
+    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(readSize);
+    for (;;) {
+        const auto count =
+            retryWhenInterrupted([this] { return read(descriptor(), buffer_.get(), readSize); });
+        if (count > 0) return {buffer_.get(), static_cast<std::size_t>(count)};
+        if (count < 0 && errno == EAGAIN) {
+            waitUntilReadable();
+            continue;
+        }
+        atEnd_ = true;
+        return {};
+    }
+}
+
+std::string FileHandle::availableData() {
+    return std::string(readIntoBuffer());
+}
+
+std::string FileHandle::readDataToEndOfFile() {
+    std::string data;
+    for (;;) {
+        const auto part = readIntoBuffer();
+        if (part.empty()) return data;
+        data += part;
+    }
+}
+
+void FileHandle::writeData(std::string_view data) {
+    static_cast<void>(writeAll(descriptor(), data));
+}
+
+void FileHandle::seekToEndOfFile() {
+    lseek(descriptor(), 0, SEEK_END);
+}
+
+void FileHandle::setReadabilityHandler(ReadabilityHandler handler) {
+    const std::lock_guard lock(mutex_);
+    if (!handler) {
+        handler_ = nullptr;
+        return;
+    }
+    handler_ = std::make_shared<const ReadabilityHandler>(std::move(handler));
+    if (std::exchange(serving_, true)) return;
+    fcntl(descriptor(), F_SETPIPE_SZ, watchedPipeSize);
+    startThread("pipe reader", [self = shared_from_this()] { self->serveReadability(); });
+}
+
+void FileHandle::serveReadability() noexcept {
+    for (;;) {
+        waitUntilReadable();
+        const auto handler = handlerOrStop();
+        if (!handler) return;
+        (*handler)(*this);
+        if (!atEnd_) continue;
+        const std::lock_guard lock(mutex_);
+        handler_ = nullptr;
+        serving_ = false;
+        return;
+    }
+}
+
+std::shared_ptr<const FileHandle::ReadabilityHandler> FileHandle::handlerOrStop() {
+    const std::lock_guard lock(mutex_);
+    serving_ = handler_ != nullptr;
+    return handler_;
+}
+
+void FileHandle::waitUntilReadable() const {
+    pollfd readable{descriptor(), POLLIN, 0};
+    retryWhenInterrupted([&readable] { return poll(&readable, 1, -1); });
+}
+
+Pipe::Pipe() {
+    std::array<int, 2> ends{-1, -1};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) ends = {-1, -1};
+    reading_ = std::make_shared<FileHandle>(FileDescriptor(ends[0]));
+    writing_ = std::make_shared<FileHandle>(FileDescriptor(ends[1]));
+}
+
+std::shared_ptr<FileHandle> openForWriting(const std::filesystem::path& path) {
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    return file ? std::make_shared<FileHandle>(std::move(file)) : nullptr;
+}
+
+std::shared_ptr<FileHandle> openNullDevice() {
+    return std::make_shared<FileHandle>(FileDescriptor(open("/dev/null", O_RDWR | O_CLOEXEC)));
+}
+
+} // namespace harbrook::gtk

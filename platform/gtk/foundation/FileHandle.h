@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/Process.h"
+#include "platform/gtk/foundation/FileDescriptor.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace harbrook::gtk {
+
+/// A handle without a descriptor reads as empty and swallows what is written to it.
+class FileHandle final : public harbrook::FileHandle, public std::enable_shared_from_this<FileHandle> {
+public:
+    explicit FileHandle(FileDescriptor descriptor) : descriptor_(std::move(descriptor)) {}
+
+    std::string availableData() override;
+    std::string readDataToEndOfFile() override;
+    void writeData(std::string_view data) override;
+    void seekToEndOfFile() override;
+    /// The handler has a thread of its own, which it may block. An empty handler ends the calls, once a call
+    /// that is due has been made.
+    void setReadabilityHandler(ReadabilityHandler handler) override;
+
+    /// -1 for none.
+    [[nodiscard]] int descriptor() const { return descriptor_.number(); }
+    void closeFile() { descriptor_ = FileDescriptor(); }
+
+private:
+    /// Reads once, or waits to; none at end of file.
+    std::string_view readIntoBuffer();
+    void serveReadability() noexcept;
+    std::shared_ptr<const ReadabilityHandler> handlerOrStop();
+    void waitUntilReadable() const;
+
+    FileDescriptor descriptor_;
+    std::unique_ptr<char[]> buffer_;
+    std::atomic<bool> atEnd_ = false;
+    std::mutex mutex_;
+    std::shared_ptr<const ReadabilityHandler> handler_;
+    bool serving_ = false;
+};
+
+class Pipe final : public harbrook::Pipe {
+public:
+    /// When the system has no descriptor left, both handles are without one.
+    Pipe();
+
+    std::shared_ptr<harbrook::FileHandle> fileHandleForReading() override { return reading_; }
+    std::shared_ptr<harbrook::FileHandle> fileHandleForWriting() override { return writing_; }
+
+    [[nodiscard]] FileHandle& reading() { return *reading_; }
+    [[nodiscard]] FileHandle& writing() { return *writing_; }
+
+private:
+    std::shared_ptr<FileHandle> reading_;
+    std::shared_ptr<FileHandle> writing_;
+};
+
+/// An existing file for writing, from its start; null when it cannot be opened.
+[[nodiscard]] std::shared_ptr<FileHandle> openForWriting(const std::filesystem::path& path);
+[[nodiscard]] std::shared_ptr<FileHandle> openNullDevice();
+
+} // namespace harbrook::gtk

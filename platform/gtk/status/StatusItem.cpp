@@ -1,0 +1,73 @@
+#include "platform/gtk/status/StatusItem.h"
+
+#include "platform/gtk/bus/SessionConnection.h"
+
+#include <algorithm>
+
+namespace harbrook::gtk {
+
+namespace {
+
+constexpr const char* applicationName = "Harbrook";
+constexpr const char* menuPath = "/StatusNotifierItem/Menu";
+
+} // namespace
+
+void StatusBarButton::setTitle(const std::string& title) {
+    if (std::exchange(title_, title) != title) update();
+}
+
+void StatusBarButton::setImage(const Image& image) {
+    if (image_ == image) return;
+    image_ = image;
+    update();
+}
+
+void StatusBarButton::setTone(PanelTone tone) {
+    if (std::exchange(tone_, tone) != tone) update();
+}
+
+void StatusBarButton::update() {
+    const auto notifier = notifier_.lock();
+    if (!notifier) return;
+    const auto badge = badgeText(title_);
+    const auto label = title_.substr(std::min(title_.find_first_not_of(' '), title_.size()));
+    notifier->setContent(
+        {label, badge.empty() ? label : label + " running",
+         image_ ? statusPixmaps(*image_, badge, tone_) : std::vector<Pixmap>()});
+}
+
+StatusItem::StatusItem(DBusMenu::Perform perform)
+    : perform_(perform),
+      menu_(std::move(perform)),
+      notifier_(std::make_shared<StatusNotifier>(
+          applicationName,
+          StatusNotifier::Handlers{[this] { performFirstItem(); }, [this] { menu_.hostsLeft(); }})),
+      button_(std::make_shared<StatusBarButton>(notifier_)),
+      toneWatch_(std::make_shared<PanelToneWatch>([this] { button_->setTone(toneWatch_->tone()); })) {
+    button_->setTone(toneWatch_->tone());
+}
+
+void StatusItem::appear() {
+    withSessionBus([weak = weak_from_this()](const auto& connection) {
+        if (const auto self = weak.lock()) self->exportOn(connection);
+    });
+}
+
+void StatusItem::exportOn(const GObjectPtr<GDBusConnection>& connection) {
+    menu_.exportOn(connection, menuPath);
+    notifier_->exportOn(connection, menuPath);
+    toneWatch_->watchOn(connection);
+}
+
+/// A click on the icon itself does what stands first in the menu: it brings up the application.
+void StatusItem::performFirstItem() {
+    const auto& items = menu_.published().menu().items;
+    const auto first = std::ranges::find_if(
+        items, [](const MenuItem& item) { return item.isEnabled() && !item.action.empty(); });
+    if (first == items.end()) return;
+    // A copy: what it does may replace the menu.
+    perform_(MenuItem(*first));
+}
+
+} // namespace harbrook::gtk

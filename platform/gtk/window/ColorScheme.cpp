@@ -1,0 +1,117 @@
+#include "platform/gtk/window/ColorScheme.h"
+
+#include <string_view>
+#include <utility>
+
+namespace harbrook::gtk {
+
+namespace {
+
+constexpr auto portalName = "org.freedesktop.portal.Desktop";
+constexpr auto portalPath = "/org/freedesktop/portal/desktop";
+constexpr auto portalInterface = "org.freedesktop.portal.Settings";
+constexpr auto appearanceNamespace = "org.freedesktop.appearance";
+constexpr auto colorSchemeKey = "color-scheme";
+constexpr auto desktopSchema = "org.gnome.desktop.interface";
+
+} // namespace
+
+DesktopColorScheme::DesktopColorScheme(std::function<void()> changed)
+    : changed_(std::move(changed)), pending_(GObjectPtr<GCancellable>::adopt(g_cancellable_new())) {
+    readSettingsSchema();
+    askPortal();
+}
+
+DesktopColorScheme::~DesktopColorScheme() {
+    g_cancellable_cancel(pending_.get());
+    if (subscription_) g_dbus_connection_signal_unsubscribe(bus_.get(), subscription_);
+}
+
+void DesktopColorScheme::readSettingsSchema() {
+    auto* source = g_settings_schema_source_get_default();
+    if (!source) return;
+    auto* schema = g_settings_schema_source_lookup(source, desktopSchema, TRUE);
+    if (!schema) return;
+    const bool hasKey = g_settings_schema_has_key(schema, colorSchemeKey);
+    g_settings_schema_unref(schema);
+    if (!hasKey) return;
+
+    settings_ = GObjectPtr<GSettings>::adopt(g_settings_new(desktopSchema));
+    const auto read = [](GSettings* settings, const char* /*key*/, void* self) noexcept {
+        auto& scheme = *static_cast<DesktopColorScheme*>(self);
+        if (scheme.portalAnswered_) return;
+        const GCharPtr text(g_settings_get_string(settings, colorSchemeKey));
+        const std::string_view chosen = text.get();
+        scheme.become(
+            chosen == "prefer-dark"    ? ColorScheme::dark
+            : chosen == "prefer-light" ? ColorScheme::light
+                                       : ColorScheme::noPreference);
+    };
+    connections_.add(settings_.get(), "changed::color-scheme", read, this);
+    read(settings_.get(), colorSchemeKey, this);
+}
+
+void DesktopColorScheme::askPortal() {
+    // A cancelled call is called back too, but with an error: by then there may be no receiver.
+    const auto gotBus = [](GObject* /*source*/, GAsyncResult* result, void* self) noexcept {
+        GError* failure = nullptr;
+        auto bus = GObjectPtr<GDBusConnection>::adopt(g_bus_get_finish(result, &failure));
+        const GErrorPtr error(failure);
+        if (bus) static_cast<DesktopColorScheme*>(self)->listenToPortal(bus.get());
+    };
+    g_bus_get(G_BUS_TYPE_SESSION, pending_.get(), gotBus, this);
+}
+
+void DesktopColorScheme::listenToPortal(GDBusConnection* bus) {
+    bus_ = GObjectPtr<GDBusConnection>::share(bus);
+    const auto settingChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*,
+                                   GVariant* parameters, void* self) noexcept {
+        const char* group = nullptr;
+        const char* key = nullptr;
+        GVariant* value = nullptr;
+        if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(ssv)"))) return;
+        g_variant_get(parameters, "(&s&sv)", &group, &key, &value);
+        const GVariantPtr owned(value);
+        if (std::string_view(key) == colorSchemeKey)
+            static_cast<DesktopColorScheme*>(self)->portalSays(value);
+    };
+    subscription_ = g_dbus_connection_signal_subscribe(
+        bus, portalName, portalInterface, "SettingChanged", portalPath, appearanceNamespace,
+        G_DBUS_SIGNAL_FLAGS_NONE, settingChanged, this, nullptr);
+
+    const auto answered = [](GObject* source, GAsyncResult* result, void* self) noexcept {
+        GError* failure = nullptr;
+        const GVariantPtr answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &failure));
+        const GErrorPtr error(failure);
+        if (!answer) return;
+        GVariant* value = nullptr;
+        g_variant_get(answer.get(), "(v)", &value);
+        const GVariantPtr owned(value);
+        static_cast<DesktopColorScheme*>(self)->portalSays(value);
+    };
+    g_dbus_connection_call(
+        bus, portalName, portalPath, portalInterface, "Read",
+        g_variant_new("(ss)", appearanceNamespace, colorSchemeKey), G_VARIANT_TYPE("(v)"),
+        G_DBUS_CALL_FLAGS_NONE, -1, pending_.get(), answered, this);
+}
+
+void DesktopColorScheme::portalSays(GVariant* value) {
+    // The answer to `Read` is a variant inside a variant; the signal carries it bare.
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) {
+        const GVariantPtr inner(g_variant_get_variant(value));
+        portalSays(inner.get());
+        return;
+    }
+    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) return;
+    portalAnswered_ = true;
+    const auto number = g_variant_get_uint32(value);
+    become(number == 1 ? ColorScheme::dark : number == 2 ? ColorScheme::light : ColorScheme::noPreference);
+}
+
+void DesktopColorScheme::become(ColorScheme scheme) {
+    if (scheme == current_) return;
+    current_ = scheme;
+    changed_();
+}
+
+} // namespace harbrook::gtk

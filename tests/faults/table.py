@@ -1,0 +1,46 @@
+"""The table of what was counted."""
+
+HEADINGS = (
+    "fault",
+    "rounds",
+    "crashes",
+    "left behind",
+    "lines lost",
+    "descriptors",
+    "threads",
+    "memory",
+    "slowest answer",
+    "holds",
+)
+
+
+def _cell(value, unit=""):
+    return "–" if value is None else f"{value}{unit}"
+
+
+def row(name, counts):
+    return (
+        name,
+        str(counts.rounds),
+        str(counts.crashes),
+        str(counts.left_behind),
+        _cell(counts.lines_lost),
+        _cell(counts.descriptors),
+        _cell(counts.threads),
+        _cell(None if counts.memory is None else max(0, counts.memory), " KiB"),
+        _cell(None if counts.slowest is None else round(counts.slowest * 1000), " ms"),
+        "yes" if counts.holds else "NO",
+    )
+
+
+def table(rows):
+    """A table in Markdown whose columns are also aligned for a terminal."""
+    lines = [HEADINGS, *rows]
+    widths = [max(len(line[column]) for line in lines) for column in range(len(HEADINGS))]
+
+    def text(line):
+        cells = [line[0].ljust(widths[0]), *(cell.rjust(width) for cell, width in zip(line[1:], widths[1:]))]
+        return "| " + " | ".join(cells) + " |"
+
+    rule = "|" + "|".join("-" * (width + 1) + ("-" if not column else ":") for column, width in enumerate(widths)) + "|"
+    return "\n".join([text(HEADINGS), rule, *map(text, rows)])

@@ -1,0 +1,108 @@
+"""What is measured of a running program: whether its window answers, and what it holds on to."""
+
+import os
+import select
+import threading
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+from Xlib import X
+from Xlib.display import Display
+from Xlib.protocol import event
+
+# How often the window is asked, and when it counts as one that does not answer at all, in seconds.
+INTERVAL = 0.02
+SILENCE = 10.0
+
+
+@dataclass(frozen=True)
+class Holdings:
+    """What a process holds: open descriptors, threads, and memory that is its own (KiB)."""
+
+    descriptors: int
+    threads: int
+    memory: int
+
+    @staticmethod
+    def of(pid):
+        rollup = Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]
+        sizes = {line.split(":")[0]: int(line.split()[1]) for line in rollup}
+        return Holdings(
+            descriptors=len(os.listdir(f"/proc/{pid}/fd")),
+            threads=len(os.listdir(f"/proc/{pid}/task")),
+            memory=sizes["Private_Clean"] + sizes["Private_Dirty"] + sizes.get("Swap", 0),
+        )
+
+
+def waited_for_processor(pid):
+    """Seconds that the main thread could have run but had no processor; see proc(5) on schedstat."""
+    return int(Path(f"/proc/{pid}/task/{pid}/schedstat").read_text().split()[1]) / 1e9
+
+
+class Pulse:
+    """Asks a window again and again whether its program is alive, as a window manager does (_NET_WM_PING).
+
+    The answer comes from the program's main loop. What is kept of each is the time in seconds that it took, without
+    the time in which the program's main thread had no processor: that is the machine's, not the program's.
+    """
+
+    def __init__(self, display, window, pid):
+        self.pid = pid
+        self.answers = []
+        self._window = window
+        self._display = Display(display)
+        self._root = self._display.screen().root
+        self._root.change_attributes(event_mask=X.SubstructureNotifyMask)
+        self._protocols = self._display.intern_atom("WM_PROTOCOLS")
+        self._ping = self._display.intern_atom("_NET_WM_PING")
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._run, daemon=True)
+        self._thread.start()
+
+    def _run(self):
+        number = 0
+        # Once at the least, however soon it is over.
+        while not self._ended.wait(INTERVAL) or not self.answers:
+            number += 1
+            try:
+                self.answers.append(self._ask(number))
+            except (FileNotFoundError, ProcessLookupError):
+                return  # the program has ended: whether it should have is judged elsewhere
+
+    def _ask(self, number):
+        begun, waited = time.monotonic(), waited_for_processor(self.pid)
+        data = (32, [self._ping, number, self._window, 0, 0])
+        target = self._display.create_resource_object("window", self._window)
+        target.send_event(event.ClientMessage(window=target, client_type=self._protocols, data=data))
+        self._display.flush()
+        while time.monotonic() - begun < SILENCE:
+            if self._answered(number):
+                taken = time.monotonic() - begun
+                return max(0.0, taken - (waited_for_processor(self.pid) - waited))
+        return SILENCE
+
+    def _answered(self, number):
+        """Waits a moment for events; whether the answer to that question is among them."""
+        _wait_readable(self._display, 0.05)
+        answered = False
+        while self._display.pending_events():
+            happened = self._display.next_event()
+            if happened.type == X.ClientMessage and happened.client_type == self._protocols:
+                data = happened.data[1]
+                answered |= data[0] == self._ping and data[1] == number
+        return answered
+
+    def close(self):
+        self._ended.set()
+        self._thread.join()
+        self._display.close()
+
+    @property
+    def slowest(self):
+        return max(self.answers, default=0.0)
+
+
+def _wait_readable(display, seconds):
+    if not display.pending_events():
+        select.select([display.fileno()], [], [], seconds)
