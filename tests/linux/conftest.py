@@ -6,6 +6,7 @@ import pytest
 from harness.desktop import Desktop
 from harness.server import Plan
 from harness.shell import REPOSITORY, STAGE, Shell
+from harness.tray import Watcher
 
 FLATPAK_MARK = Path("/.flatpak-info")
 
@@ -55,6 +56,20 @@ def make_desktop(shared_desktop):
     yield make
     for desktop in make.made[1:]:
         desktop.close()
+
+
+@pytest.fixture
+def desktop(make_desktop):
+    """A desktop of the test's own: what stands on its bus, a panel or a portal, is there for all programs on it."""
+    return make_desktop()
+
+
+@pytest.fixture
+def watcher(desktop):
+    """The watcher of a panel on that desktop; it has not come yet."""
+    watcher = Watcher(desktop)
+    yield watcher
+    watcher.close()
 
 
 @pytest.fixture

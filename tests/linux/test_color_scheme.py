@@ -3,22 +3,9 @@
 import pytest
 
 from harness.portal import NO_PREFERENCE, PREFERS_DARK, PREFERS_LIGHT, SettingsPortal
-from harness.tray import Watcher
 from harness.waiting import wait_until
 
 CANVAS = {False: (0xF3, 0xF4, 0xF0), True: (0x16, 0x18, 0x16)}
-
-
-@pytest.fixture
-def desktop(make_desktop):
-    return make_desktop()
-
-
-@pytest.fixture
-def watcher(desktop):
-    watcher = Watcher(desktop)
-    yield watcher.arrive()
-    watcher.close()
 
 
 @pytest.fixture
@@ -55,7 +42,8 @@ def becomes(shell, watcher, dark):
 
 
 @pytest.fixture
-def shell(make_shell, desktop):
+def shell(make_shell, desktop, watcher):
+    watcher.arrive()
     return make_shell(desktop=desktop)
 
 
