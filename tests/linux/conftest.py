@@ -28,6 +28,9 @@ def pytest_runtest_makereport(item, call):
         report.sections.append((f"program {number}", shell.output[-10_000:]))
         events = [server.names() for server in shell.switchboard.servers]
         report.sections.append((f"servers {number}", "\n".join(map(str, events))))
+    # Afterwards the desktops are gone already.
+    if call.when == "teardown":
+        return
     for desktop in item.funcargs.get("make_desktop", lambda: None).__dict__.get("made", []):
         name = re.sub(r"[^\w-]+", "-", item.name)
         picture = REPOSITORY / "build" / "test-pictures" / f"{name}.png"
