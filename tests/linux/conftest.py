@@ -22,7 +22,8 @@ def pytest_sessionstart():
 def pytest_runtest_makereport(item, call):
     """A failed test shows what the program said and what the screen looked like."""
     report = (yield).get_result()
-    if not report.failed:
+    # At the teardown the desktop may be gone already.
+    if not report.failed or report.when == "teardown":
         return
     for number, shell in enumerate(item.funcargs.get("make_shell", lambda: None).__dict__.get("made", [])):
         report.sections.append((f"program {number}", shell.output[-10_000:]))
