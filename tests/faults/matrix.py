@@ -157,7 +157,8 @@ class Trial:
     @contextmanager
     def answering(self, shell, within=ANSWER):
         """In this time the window answers, each time within so many seconds."""
-        pulse = Pulse(shell.desktop.screen.name, shell.window().number, shell.pid)
+        desktop = shell.desktop
+        pulse = Pulse(desktop.screen.name, shell.window().number, shell.pid, desktop.display_pid)
         try:
             yield pulse
         finally:
