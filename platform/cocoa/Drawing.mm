@@ -1,17 +1,11 @@
 #include "platform/cocoa/Drawing.h"
 
+#include "platform/Overloaded.h"
 #include "platform/cocoa/Conversions.h"
 
 namespace harbrook::cocoa {
 
 namespace {
-
-template <typename... Handlers>
-struct Overloaded : Handlers... {
-    using Handlers::operator()...;
-};
-template <typename... Handlers>
-Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 NSColor* fixedColor(SRGBColor color) {
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
