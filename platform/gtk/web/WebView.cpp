@@ -59,8 +59,12 @@ struct WebView::MessageReceiver {
     }
 };
 
-WebView::WebView(NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration)
-    : View(makeCanvas(), center), web_(makeEngineView(configuration.userContentController.userScripts)) {
+WebView::WebView(
+    NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration,
+    std::function<void()> firstPageDidAppear)
+    : View(makeCanvas(), center),
+      web_(makeEngineView(configuration.userContentController.userScripts)),
+      firstPageDidAppear_(std::move(firstPageDidAppear)) {
     setFrame(frame);
     gtk_widget_set_parent(GTK_WIDGET(web_.get()), widget());
     receiveMessages(configuration.userContentController);
@@ -208,8 +212,10 @@ std::string WebView::address() const {
 void WebView::loadChanged(WebKitLoadEvent event) {
     const auto self = shared_from_this();
     if (event == WEBKIT_LOAD_STARTED) loads_.started();
+    const bool hadPage = loads_.hasPage();
     const bool blankInstead = event == WEBKIT_LOAD_COMMITTED && loads_.committedBlankInstead(address());
     if (!loads_.awaitsOwnLoad()) endWait();
+    if (!hadPage && loads_.hasPage()) firstPageDidAppear_();
     const auto delegate = navigationDelegate_.lock();
     if (blankInstead && delegate) delegate->didFailProvisionalNavigation({"The port is not allowed."});
 }
@@ -342,9 +348,10 @@ void WebView::evaluateJavaScript(const std::string& script, EvaluationHandler co
 }
 
 std::shared_ptr<harbrook::WebView> makeWebView(
-    NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration) {
+    NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration,
+    std::function<void()> firstPageDidAppear) {
     finishSandboxPreflight();
-    return std::make_shared<WebView>(center, frame, configuration);
+    return std::make_shared<WebView>(center, frame, configuration, std::move(firstPageDidAppear));
 }
 
 } // namespace harbrook::gtk
