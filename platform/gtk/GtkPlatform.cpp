@@ -20,8 +20,7 @@
 
 namespace harbrook::gtk {
 
-GtkPlatform::GtkPlatform(int argc, char** argv)
-    : application_(argc, argv), statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
+GtkPlatform::GtkPlatform() : statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
 
 std::shared_ptr<DispatchSemaphore> GtkPlatform::makeSemaphore(int count) {
     return std::make_shared<Semaphore>(count);
@@ -94,7 +93,7 @@ std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
     gtk::setUpProcess();
     // Workers may still be at their blocks while the process ends, and use the services: they are never
     // destroyed.
-    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(argc, argv).release();
+    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>().release();
     return {std::shared_ptr<void>(), &platform};
 }
 

@@ -18,7 +18,11 @@ SILENCE = 10.0
 
 @dataclass(frozen=True)
 class Holdings:
-    """What a process holds: open descriptors, threads, and memory that is its own (KiB)."""
+    """What a process holds: open descriptors, threads, and memory that is its own (KiB).
+
+    Descriptors of the system's own figures do not count: some seconds after its start the engine opens a few of these,
+    once, to watch how much memory is left.
+    """
 
     descriptors: int
     threads: int
@@ -29,10 +33,20 @@ class Holdings:
         rollup = Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]
         sizes = {line.split(":")[0]: int(line.split()[1]) for line in rollup}
         return Holdings(
-            descriptors=len(os.listdir(f"/proc/{pid}/fd")),
+            descriptors=sum(not target.startswith(("/proc/", "/sys/")) for target in _open(pid)),
             threads=len(os.listdir(f"/proc/{pid}/task")),
             memory=sizes["Private_Clean"] + sizes["Private_Dirty"] + sizes.get("Swap", 0),
         )
+
+
+def _open(pid):
+    """What the open descriptors of a process lead to."""
+    folder = Path(f"/proc/{pid}/fd")
+    for entry in os.listdir(folder):
+        try:
+            yield os.readlink(folder / entry)
+        except FileNotFoundError:
+            pass  # closed since
 
 
 def waited_for_processor(pid, thread=None):

@@ -2,9 +2,9 @@
 
 #include "platform/gtk/app/AboutPanel.h"
 #include "platform/gtk/app/EditingActions.h"
-#include "platform/gtk/app/Identity.h"
 #include "platform/gtk/bus/SessionBus.h"
 #include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/Identity.h"
 #include "platform/gtk/window/Window.h"
 
 #include <glib-unix.h>
@@ -25,12 +25,11 @@ void addOwnIcons() {
 
 } // namespace
 
-Application::Application(int /*argc*/, char** /*argv*/) {
+Application::Application() {
     // Window managers match a window with its launcher by this name.
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
-    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 

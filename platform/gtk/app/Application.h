@@ -22,7 +22,7 @@ class Application final : public harbrook::Application {
 public:
     /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
     /// before the process has other threads.
-    Application(int argc, char** argv);
+    Application();
     ~Application() override;
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
