@@ -280,6 +280,27 @@ TEST_F(ChildProcess, has_exited_only_when_the_handler_has_dealt_with_its_last_wo
     ASSERT_TRUE(runMainLoopUntil([&] { return received == size; }));
 }
 
+TEST_F(ChildProcess, does_not_keep_others_waiting_for_a_handler_that_is_stuck) {
+    const auto task = shell("echo one");
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardOutput(pipe);
+    const auto called = gtkPlatform().makeSemaphore(0);
+    const auto released = gtkPlatform().makeSemaphore(0);
+    std::atomic<bool> over = false;
+    pipe->fileHandleForReading()->setReadabilityHandler([=, &over](FileHandle& handle) {
+        called->signal();
+        EXPECT_TRUE(released->wait(30));
+        if (handle.availableData().empty()) over = true;
+    });
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    ASSERT_TRUE(called->wait(10));
+    task->waitUntilExit();
+    EXPECT_FALSE(over);
+    released->signal();
+    released->signal();
+    EXPECT_TRUE(runMainLoopUntil([&] { return over.load(); }));
+}
+
 TEST_F(ChildProcess, does_not_keep_others_waiting_for_what_those_print_that_it_leaves_behind) {
     const auto number = directory() / "number";
     const auto task = shell("yes & echo $! >" + number.string());
