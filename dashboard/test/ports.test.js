@@ -31,7 +31,7 @@ test('addresses of the sixth version are written in their shortest form', () => 
 });
 
 test('a process name with brackets and blanks does not confuse its group', () => {
-  assert.deepEqual(parseStat('12 (a) b) (c) S 34 56 78 0 -1'), { parent: 34, group: 56 });
+  assert.deepEqual(parseStat('12 (a) b) (c) S 34 56 78 0 -1'), { state: 'S', parent: 34, group: 56 });
 });
 
 test('the tools of macOS are understood', () => {

@@ -60,4 +60,8 @@ std::vector<std::shared_ptr<Exchange>> URLSession::open() const {
     return found;
 }
 
+void URLSession::forgetAnswered() {
+    std::erase_if(exchanges_, [](const auto& exchange) { return !exchange->isOpen(); });
+}
+
 } // namespace harbrook::recording

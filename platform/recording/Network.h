@@ -58,6 +58,8 @@ public:
     [[nodiscard]] const std::vector<std::shared_ptr<Exchange>>& exchanges() const { return exchanges_; }
     /// The exchanges to which nothing has come back yet, oldest first.
     [[nodiscard]] std::vector<std::shared_ptr<Exchange>> open() const;
+    /// Lets go of the exchanges that are over, which a long run would only pile up.
+    void forgetAnswered();
     /// Nobody listens on port 1, so that requests to it fail at once. A test may close or open others.
     std::set<std::int64_t> closedPorts{1};
 

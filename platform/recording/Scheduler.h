@@ -55,6 +55,8 @@ public:
     [[nodiscard]] std::vector<std::string> blockedWorkers() const;
     /// Blocks that were given to the main queue and have not run: those for later and those that are due.
     [[nodiscard]] int pendingMainBlocks() const;
+    /// All that waits for its moment: blocks, calls of timers, and what happens outside.
+    [[nodiscard]] int pendingEvents() const { return static_cast<int>(events_.size()); }
 
     /// Which of `count` runnable workers goes next; without it the oldest does.
     void setWorkerChoice(std::function<std::size_t(std::size_t count)> choice);

@@ -2,9 +2,9 @@
 
 #include "platform/gtk/app/AboutPanel.h"
 #include "platform/gtk/app/EditingActions.h"
-#include "platform/gtk/app/Identity.h"
 #include "platform/gtk/bus/SessionBus.h"
 #include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/Identity.h"
 #include "platform/gtk/window/Window.h"
 
 #include <glib-unix.h>
@@ -30,7 +30,6 @@ Application::Application(StartedBy startedBy) : awaitsMessage_(startedBy == Star
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
-    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 

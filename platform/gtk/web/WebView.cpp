@@ -75,6 +75,10 @@ WebView::WebView(
 
 WebView::~WebView() {
     endWait();
+    connections_.clear();
+    // A page whose script never yields would not hear that its view has gone, and its process would run on
+    // for ten seconds after the program has ended.
+    webkit_web_view_terminate_web_process(web_.get());
 }
 
 void WebView::receiveMessages(const WebViewConfiguration::UserContentController& controller) {

@@ -178,6 +178,23 @@ TEST_F(ChildProcess, may_be_terminated_while_it_exits) {
     }
 }
 
+TEST_F(ChildProcess, that_is_stopped_goes_on_to_take_the_terminate_request) {
+    // One without a trap would end all the same.
+    const auto task = shell("trap 'exit 0' TERM; echo $$; read line");
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardInput(gtkPlatform().makePipe());
+    task->setStandardOutput(pipe);
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    ASSERT_EQ(kill(std::stoi(pipe->fileHandleForReading()->availableData()), SIGSTOP), 0);
+    task->terminate();
+    std::atomic<bool> ended = false;
+    gtkPlatform().globalQueue().async([&] {
+        task->waitUntilExit();
+        ended = true;
+    });
+    EXPECT_TRUE(runMainLoopUntil([&] { return ended.load(); }));
+}
+
 TEST_F(ChildProcess, two_hundred_in_turn_leave_nothing_open) {
     static_cast<void>(outputOf(shell("true")));
     const auto before = openDescriptors();
@@ -244,6 +261,63 @@ TEST_F(ChildProcess, a_handler_meets_end_of_file_once) {
     static_cast<void>(runMainLoopUntil([] { return false; }, 0.05));
     EXPECT_EQ(emptyReads, 1);
     task->waitUntilExit();
+}
+
+TEST_F(ChildProcess, has_exited_only_when_the_handler_has_dealt_with_its_last_words) {
+    constexpr std::size_t size = 1'000'000;
+    const auto task = shell("head -c " + std::to_string(size) + " /dev/zero");
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardOutput(pipe);
+    std::atomic<std::size_t> received = 0;
+    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
+        const auto data = handle.availableData();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        received += data.size();
+    });
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    task->waitUntilExit();
+    EXPECT_EQ(received, size);
+    ASSERT_TRUE(runMainLoopUntil([&] { return received == size; }));
+}
+
+TEST_F(ChildProcess, does_not_keep_others_waiting_for_a_handler_that_is_stuck) {
+    const auto task = shell("echo one");
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardOutput(pipe);
+    const auto called = gtkPlatform().makeSemaphore(0);
+    const auto released = gtkPlatform().makeSemaphore(0);
+    std::atomic<bool> over = false;
+    pipe->fileHandleForReading()->setReadabilityHandler([=, &over](FileHandle& handle) {
+        called->signal();
+        EXPECT_TRUE(released->wait(30));
+        if (handle.availableData().empty()) over = true;
+    });
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    ASSERT_TRUE(called->wait(10));
+    task->waitUntilExit();
+    EXPECT_FALSE(over);
+    released->signal();
+    released->signal();
+    EXPECT_TRUE(runMainLoopUntil([&] { return over.load(); }));
+}
+
+TEST_F(ChildProcess, does_not_keep_others_waiting_for_what_those_print_that_it_leaves_behind) {
+    const auto number = directory() / "number";
+    const auto task = shell("yes & echo $! >" + number.string());
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardOutput(pipe);
+    std::atomic<bool> over = false;
+    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
+        if (handle.availableData().empty()) over = true;
+    });
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    task->waitUntilExit();
+    EXPECT_FALSE(over);
+    pid_t leftBehind = 0;
+    std::ifstream(number) >> leftBehind;
+    ASSERT_GT(leftBehind, 0);
+    EXPECT_EQ(kill(leftBehind, SIGKILL), 0);
+    EXPECT_TRUE(runMainLoopUntil([&] { return over.load(); }));
 }
 
 TEST_F(ChildProcess, a_handler_may_be_taken_away) {

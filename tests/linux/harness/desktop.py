@@ -120,6 +120,11 @@ class Desktop:
         self.screen = Screen(name)
         self._closers.append(self.screen.close)
 
+    @property
+    def display_pid(self):
+        """The process of the X server, when it is this desktop's own."""
+        return self._server.pid if hasattr(self, "_server") else None
+
     def end_display(self):
         """The X server ends under all that is running."""
         self._closers.remove(self.screen.close)

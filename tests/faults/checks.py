@@ -1,0 +1,92 @@
+"""What several faults look at, besides what a Trial counts by itself."""
+
+import hashlib
+import os
+from pathlib import Path
+
+from harness.tray import Watcher
+from harness.waiting import stays, wait_until
+
+from watch import Holdings
+
+BLOCK = 1 << 20
+
+NOT_REACHABLE = "(Server not reachable)"
+
+# A program that waits may use this share of a processor.
+RESTING = 0.2
+
+
+def expect_log_is(trial, shell, whole):
+    """The log holds exactly these bytes, perhaps in a moment."""
+    try:
+        wait_until("it is logged", lambda: shell.log.exists() and shell.log.stat().st_size >= len(whole))
+        logged = shell.log.read_bytes()
+    except AssertionError:
+        logged = shell.log.read_bytes() if shell.log.exists() else b""
+    _count_lost(trial, whole.count(b"\n") - logged.count(b"\n"))
+    trial.expect(logged == whole, f"the log has {len(logged)} bytes and is not what was printed ({len(whole)} bytes)")
+
+
+def expect_log_digest(trial, shell, size, digest, lines, skip=0):
+    """The log holds, after so many bytes to skip, that many bytes with that digest."""
+    wait_until("it is logged", lambda: shell.log.stat().st_size >= skip + size, within=120)
+    found, counted = hashlib.sha256(), 0
+    with shell.log.open("rb") as log:
+        log.seek(skip)
+        while block := log.read(BLOCK):
+            found.update(block)
+            counted += block.count(b"\n")
+    _count_lost(trial, lines - counted)
+    trial.expect(found.hexdigest() == digest, "the log is not what was printed")
+
+
+def _count_lost(trial, lost):
+    trial.counts.lines_lost = (trial.counts.lines_lost or 0) + max(0, lost)
+    trial.expect(lost <= 0, f"{lost} lines are not in the log")
+
+
+def expect_resting(trial, shell, seconds=1.0):
+    """The program waits for something to happen, and does not look for it again and again."""
+    before = _processor_time(shell.pid)
+    stays("the program runs", lambda: shell.program.poll() is None, seconds)
+    share = (_processor_time(shell.pid) - before) / seconds
+    trial.expect(share <= RESTING, f"the program uses {share:.0%} of a processor for waiting")
+
+
+def _processor_time(pid):
+    user, system = Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()[11:13]
+    return (int(user) + int(system)) / os.sysconf("SC_CLK_TCK")
+
+
+def wait_for_requests_under_way(shell, count):
+    """Waits until the program has that many more descriptors than now, as it has for requests nobody answers."""
+    before = Holdings.of(shell.pid).descriptors
+    wait_until(
+        f"{count} requests are under way", lambda: Holdings.of(shell.pid).descriptors >= before + count, within=30
+    )
+
+
+class StatusMenu:
+    """The status menu of one start of the program after the other, as a panel of the desktop reads it."""
+
+    def __init__(self, desktop):
+        self._watcher = Watcher(desktop).arrive()
+        self._expected = 0
+
+    def close(self):
+        self._watcher.close()
+
+    def expect_start(self):
+        """From now on it is about the item that comes next."""
+        self._expected = len(self._watcher.registrations)
+
+    @property
+    def menu(self):
+        return self._watcher.item(self._expected).menu
+
+    def wait_until_reachable(self):
+        return self.menu.wait_for_outline(lambda rows: NOT_REACHABLE not in rows, within=30)
+
+    def wait_until_not_reachable(self):
+        return self.menu.wait_for_outline(lambda rows: NOT_REACHABLE in rows, within=30)
