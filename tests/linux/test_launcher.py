@@ -1,6 +1,7 @@
 """The launcher's entry: the program started and commanded over the session bus, as desktops do it."""
 
 import subprocess
+from configparser import ConfigParser
 
 import pytest
 
@@ -77,6 +78,14 @@ def test_the_entry_offers_the_views(installed):
 def test_an_action_of_the_entry_starts_the_program_in_its_view(installed, action):
     run(installed, "gapplication", "action", ID, action)
     installed.server.wait_for_page()
+    is_at(installed, VIEWS[action])
+
+
+@pytest.mark.parametrize("action", VIEWS)
+def test_launchers_that_run_commands_do_the_same(installed, action):
+    entry = ConfigParser(interpolation=None)
+    entry.read(installed.tree / f"share/applications/{ID}.desktop")
+    run(installed, *entry[f"Desktop Action {action}"]["Exec"].split())
     is_at(installed, VIEWS[action])
 
 

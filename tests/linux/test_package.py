@@ -30,6 +30,7 @@ SYSTEM_FILES = {
 DEPENDENCIES = {
     "nodejs",
     "bubblewrap",
+    "libglib2.0-bin",
     "libc6",
     "libcairo2",
     "libgcc-s1",
