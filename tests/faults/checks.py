@@ -7,11 +7,12 @@ from pathlib import Path
 from harness.tray import Watcher
 from harness.waiting import stays, wait_until
 
-from watch import Holdings
 
 BLOCK = 1 << 20
 
 NOT_REACHABLE = "(Server not reachable)"
+
+ESTABLISHED = "01"
 
 # A program that waits may use this share of a processor.
 RESTING = 0.2
@@ -59,12 +60,17 @@ def _processor_time(pid):
     return (int(user) + int(system)) / os.sysconf("SC_CLK_TCK")
 
 
-def wait_for_requests_under_way(shell, count):
-    """Waits until the program has that many more descriptors than now, as it has for requests nobody answers."""
-    before = Holdings.of(shell.pid).descriptors
-    wait_until(
-        f"{count} requests are under way", lambda: Holdings.of(shell.pid).descriptors >= before + count, within=30
-    )
+def wait_for_unread_requests(port, count):
+    """Waits until so many requests wait on that port for a server that does not read them."""
+    wait_until(f"{count} requests wait", lambda: sum(_unread(port)) >= count, within=30)
+
+
+def _unread(port):
+    """For each connection to a server's port, whether something waits there to be read; see proc(5) on net/tcp."""
+    for line in Path("/proc/net/tcp").read_text().splitlines()[1:]:
+        _, local, _, state, queues = line.split()[:5]
+        if int(local.split(":")[1], 16) == port and state == ESTABLISHED:
+            yield int(queues.split(":")[1], 16) > 0
 
 
 class StatusMenu:

@@ -131,7 +131,10 @@ Pipe::Pipe() {
 }
 
 std::shared_ptr<FileHandle> openForWriting(const std::filesystem::path& path) {
-    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    // A FIFO that nobody reads is an error, as all that cannot be written to; without this it would be waited
+    // for.
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (file) fcntl(file.number(), F_SETFL, 0);
     return file ? std::make_shared<FileHandle>(std::move(file)) : nullptr;
 }
 
