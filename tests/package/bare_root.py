@@ -9,8 +9,8 @@ SUITE = "bookworm"
 USER = "developer"
 USER_NUMBER = 1000
 
-# What apt and dpkg keep for themselves, and what changes with every command.
-BOOKKEEPING = ("var/lib/apt/", "var/lib/dpkg/", "var/cache/", "var/log/", "etc/ld.so.cache")
+# What apt and dpkg keep for themselves, and where the folders of a test's desktop are bound.
+BOOKKEEPING = ("var/lib/apt/", "var/lib/dpkg/", "var/cache/", "var/log/", "tmp/.X11-unix", "tmp/hb-desktop-")
 
 
 def cache():
@@ -72,11 +72,14 @@ class BareRoot:
         self.run("chown", "--recursive", f"{USER}:{USER}", f"/home/{USER}")
         return f"/home/{USER}/{name}"
 
+    def remove(self):
+        shutil.rmtree(self.tree)
+
     def files(self):
         """Every path outside the home directories and the bookkeeping."""
         found = set()
         for folder, folders, names in os.walk(self.tree):
             if Path(folder) == self.tree:
-                folders[:] = [name for name in folders if name not in ("home", "tmp", "dev", "proc", "sys", "run")]
+                folders[:] = [name for name in folders if name not in ("home", "dev", "proc", "sys")]
             found |= {str((Path(folder) / name).relative_to(self.tree)) for name in [*folders, *names]}
         return {path for path in found if not path.startswith(BOOKKEEPING)}

@@ -18,7 +18,7 @@ PICTURE = REPOSITORY / "build" / "package" / "installed.png"
 
 
 @pytest.fixture(scope="module")
-def package(tmp_path_factory):
+def package():
     made = subprocess.run([REPOSITORY / "script" / "package"], check=True, stdout=subprocess.PIPE, text=True)
     return made.stdout.strip()
 
@@ -31,7 +31,8 @@ def bare(package, tmp_path_factory):
     asked = subprocess.run(["dpkg-deb", "--field", package, "Depends"], check=True, stdout=subprocess.PIPE, text=True)
     root.apt("satisfy", "--no-install-recommends", asked.stdout.strip())
     root.before = root.files()
-    return root
+    yield root
+    root.remove()
 
 
 @pytest.fixture(scope="module")
