@@ -182,8 +182,8 @@ class Trial:
         if not self.expect_running(shell):
             return
         try:
-            # Threads of a pool end when they have been idle for a while.
-            wait_until("as few descriptors and threads", lambda: _no_more(before, Holdings.of(shell.pid)), 30)
+            # Threads of a pool end, and memory is given back, when they have been idle for a while.
+            wait_until("as little as before", lambda: _no_more(before, Holdings.of(shell.pid), growth), 30)
         except NeverHappened:
             pass
         after = Holdings.of(shell.pid)
@@ -195,8 +195,9 @@ class Trial:
         self.expect(after.memory - before.memory <= growth, f"memory: {before} became {after}")
 
 
-def _no_more(before, now):
-    return now.descriptors <= before.descriptors and now.threads <= before.threads
+def _no_more(before, now, growth):
+    few = now.descriptors <= before.descriptors and now.threads <= before.threads
+    return few and now.memory <= before.memory + growth
 
 
 def _matched(lines, logged):

@@ -39,6 +39,16 @@ def test_without_a_session_bus_it_starts_promptly(make_desktop, make_shell):
     assert_starts_promptly(make_shell(desktop=make_desktop(bus=False)))
 
 
+def test_it_outlives_its_session_bus(make_desktop, make_shell):
+    shell = make_shell(desktop=make_desktop())
+    shell.start()
+    shell.server.wait_for_page()
+    shell.desktop.end_bus()
+    shell.server.wait_for_request("/api/state", after=len(shell.server.events))
+    assert shell.server.evaluate("document.readyState") == "complete"
+    shell.quit()
+
+
 def sandbox_is_possible():
     trial = ["bwrap", "--ro-bind", "/", "/", "--proc", "/proc", "--dev", "/dev", "--unshare-all", "true"]
     return subprocess.run(trial, stderr=subprocess.DEVNULL).returncode == 0

@@ -72,6 +72,10 @@ void Application::run() {
 
 void Application::didStart() {
     portalBypass_.reset();
+    // By default the library ends the program when the session bus is lost.
+    if (auto* bus = g_application_get_dbus_connection(G_APPLICATION(application_.get()))) {
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+    }
     addOwnIcons();
     gtk_window_set_default_icon_name(applicationIdentifier);
     // It stays when its window is closed.

@@ -148,9 +148,15 @@ class Desktop:
                 f"--print-address={pipe}",
             ]
         )
+        self._bus_daemon = self._children[-1]
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
         self.bus = Bus(address)
         self._closers.append(self.bus.close)
+
+    def end_bus(self):
+        """The session bus ends under all that is running."""
+        self._bus_daemon.kill()
+        self._bus_daemon.wait()
 
     def _refuse_bus(self):
         """Keeps programs from launching a bus by themselves, which some systems let them."""

@@ -1,0 +1,187 @@
+"""What may happen to the web engine's processes, and to the page in them."""
+
+import os
+import signal
+
+from harness.page import page
+from harness.server import Plan
+from harness.waiting import wait_until
+
+from clock import Clock
+from matrix import fault
+from polls import STATE, Panel, Polls, polled_plan, snapshot
+
+WEB = "WebKitWebProces"
+NETWORK = "WebKitNetworkPr"
+
+SLOW = {"body": page(), "delay": 2.0}
+QUICK = {"body": page()}
+
+
+def started(trial, plan=Plan()):
+    """A shell with its page and the connection that its polls use, and its server."""
+    shell = trial.shell(plan)
+    server = trial.start(shell)
+    server.wait_for_page()
+    server.evaluate("window.webkit.messageHandlers.fc.postMessage('state')")
+    server.wait_for_request(STATE)
+    return shell, server
+
+
+def pids(shell, name):
+    return [one.pid for one in shell.web_processes() if one.name == name]
+
+
+def kill(shell, name):
+    """Kills the engine's process of that kind, once there is one."""
+    os.kill(wait_until(f"a {name}", lambda: pids(shell, name))[0], signal.SIGKILL)
+
+
+def kill_for_a_page(trial, shell, server, name):
+    """Kills the process and sees the page come back, whole."""
+    loaded = len(server.all("page"))
+    kill(shell, name)
+    server.wait_for_page(loaded + 1)
+    trial.expect(server.evaluate("first.token !== null && first.native"), "the page came back without its token")
+
+
+def kill_during_load(shell, server, name):
+    """Kills the process while a page is on its way, and waits for the next."""
+    loaded, seen = len(server.all("page")), len(server.events)
+    server.answer("/", **SLOW)
+    server.evaluate("void setTimeout(() => location.reload(), 0)")
+    server.wait_for_request("/", after=seen)
+    server.answer("/", **QUICK)
+    kill(shell, name)
+    server.wait_for_page(loaded + 1)
+
+
+@fault("the web process is killed", quick=1, whole=50)
+def web_process_killed(trial):
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, WEB)
+    with trial.keeping(shell), trial.answering(shell):
+        for _ in trial.rounds():
+            kill_for_a_page(trial, shell, server, WEB)
+    trial.quit(shell)
+
+
+@fault("the web process is killed during a load", quick=0, whole=20)
+def web_process_killed_during_load(trial):
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, WEB)
+    with trial.keeping(shell), trial.answering(shell):
+        for _ in trial.rounds():
+            kill_during_load(shell, server, WEB)
+    trial.quit(shell)
+
+
+@fault("the web process is killed at every attempt", quick=0, whole=50)
+def each_web_process_killed(trial):
+    """A round is one more process that asks for the page and does not live to show it."""
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, WEB)
+    with trial.keeping(shell), trial.answering(shell):
+        server.answer("/", **SLOW)
+        seen = len(server.events)
+        kill(shell, WEB)
+        for _ in trial.rounds():
+            server.wait_for_request("/", after=seen)
+            seen = len(server.events)
+            kill(shell, WEB)
+        loaded = len(server.all("page"))
+        server.answer("/", **QUICK)
+        server.wait_for_page(loaded + 1)
+    trial.quit(shell)
+
+
+@fault("the network process is killed", quick=0, whole=50)
+def network_process_killed(trial):
+    """The page stays, and what it asks for next is answered."""
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, NETWORK)
+    with trial.keeping(shell), trial.answering(shell):
+        for _ in trial.rounds():
+            kill_for_a_page(trial, shell, server, NETWORK)
+            loaded = len(server.all("page"))
+            server.evaluate("void setTimeout(() => location.reload(), 0)")
+            server.wait_for_page(loaded + 1)
+    trial.quit(shell)
+
+
+@fault("the network process is killed during a load", quick=0, whole=20)
+def network_process_killed_during_load(trial):
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, NETWORK)
+    with trial.keeping(shell), trial.answering(shell):
+        for _ in trial.rounds():
+            kill_during_load(shell, server, NETWORK)
+    trial.quit(shell)
+
+
+@fault("the page hangs in an endless loop", quick=1, whole=20)
+def page_hangs(trial):
+    for number in trial.rounds():
+        shell, server = started(trial, polled_plan())
+        panel = Panel(shell.desktop)
+        polls = Polls(server)
+        server.evaluate("void setTimeout(() => { for (;;); }, 0)")
+        with trial.answering(shell):
+            server.answer("/api/state", **snapshot(number + 1))
+            polls.times(1)
+            panel.wait_for_count(number + 1)
+            press_close(shell)
+            shell.wait_until_hidden()
+            panel.item.activate()
+            shell.window()
+        panel.item.menu.click("Quit Harbrook")
+        trial.expect_exit(shell)
+        trial.expect_nothing_left(shell, within=5)
+        panel.close()
+
+
+def press_close(shell):
+    """A click on the shell's own button over the page."""
+    area = shell.window().area
+    shell.desktop.screen.click(area.x + 27, area.y + 34)
+
+
+# The delay between two attempts is a second and a half; ten times as fast, it is a tenth of that.
+FAST = 10
+
+
+@fault("loads fail in a row", quick=10, whole=200)
+def loads_fail(trial):
+    """The server hangs up each time, until it does not."""
+    shell = trial.shell(Plan(answers={"/": {"drop": True}}))
+    clock = Clock(shell, monotonic=True)
+    server = trial.start(shell)
+    server.wait_for_request("/")
+    clock.set(rate=FAST)
+    attempts = Attempts(server)
+    for _ in range(10):
+        attempts.wait()
+    with trial.keeping(shell), trial.answering(shell):
+        for _ in trial.rounds():
+            attempts.wait()
+    server.answer("/", **QUICK)
+    server.wait_for_page()
+    trial.quit(shell)
+    Clock.clear(shell.pid)
+
+
+class Attempts:
+    """The attempts at a page. The engine may follow up a broken connection with another at once; both are one."""
+
+    def __init__(self, server):
+        self._server = server
+        self._place = len(server.events)
+        self._last = 0.0
+
+    def wait(self):
+        while True:
+            event = self._server.wait_for_request("/", after=self._place)
+            self._place = self._server.events.index(event, self._place) + 1
+            begun, self._last = event["at"] - self._last, event["at"]
+            if begun > 0.5 * 1.5 / FAST:
+                return
