@@ -78,7 +78,8 @@ def tracked(folder, *parts):
 
 
 def test_it_holds_the_program_and_nothing_else(tree):
-    dashboard = {f"usr/share/harbrook/app/{name}" for name in tracked("dashboard", "server.js", "package.json", "lib", "page")}
+    parts = tracked("dashboard", "server.js", "package.json", "lib", "page")
+    dashboard = {f"usr/share/harbrook/app/{name}" for name in parts}
     pictures = {f"usr/share/harbrook/{name}" for name in tracked("resources", "*.png")}
     found = {str(path.relative_to(tree)) for path in tree.rglob("*") if not path.is_dir()}
     assert found == SYSTEM_FILES | dashboard | pictures

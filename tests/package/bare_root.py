@@ -47,7 +47,8 @@ class BareRoot:
         line = ["bwrap", "--bind", self.tree, "/", "--dev", "/dev", "--proc", "/proc"]
         for folder in bound:
             line += ["--bind", folder, folder]
-        line += ["--unshare-pid", "--unshare-ipc", "--die-with-parent", "--cap-add", "ALL", "--clearenv", "--chdir", "/"]
+        line += ["--unshare-pid", "--unshare-ipc", "--die-with-parent", "--cap-add", "ALL", "--chdir", "/"]
+        line += ["--clearenv"]
         variables = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": f"/home/{USER}" if user else "/root"}
         for name, value in (variables | (environment or {})).items():
             line += ["--setenv", name, value]
