@@ -114,24 +114,25 @@ await describePage('everybody can use the page', (sample) => {
     for (const hash of views) {
       await go(page, hash);
       await ready(page);
-      const expected = await page.evaluate(() => {
+      // Ports of other programs come and go meanwhile; what counts is what is there from first to last.
+      const count = await page.evaluate(() => {
         document.activeElement.blur();
-        return [...document.querySelectorAll('a[href], button, input')].filter((control) => control.checkVisibility()).length;
+        window.__missed = new Set([...document.querySelectorAll('a[href], button, input')].filter((control) => control.checkVisibility()));
+        return window.__missed.size;
       });
-      const reached = new Set();
-      for (let step = 0; step < expected + 3; step += 1) {
+      assert.ok(count > 7, hash);
+      for (let step = 0; step < count + 20; step += 1) {
         await page.keyboard.press('Tab');
-        const stop = await page.evaluate(() => {
+        const unmarked = await page.evaluate(() => {
           const element = document.activeElement;
-          const marks = [getComputedStyle(element), getComputedStyle(element, '::after')];
-          return [[...document.querySelectorAll('*')].indexOf(element), element.matches('a, button, input'),
-            marks.some(({ outlineStyle }) => outlineStyle !== 'none'), element.outerHTML.slice(0, 80)];
+          window.__missed.delete(element);
+          const isMarked = [null, '::after'].some((part) => getComputedStyle(element, part).outlineStyle !== 'none');
+          return element.matches('a, button, input') && !isMarked ? element.outerHTML : null;
         });
-        if (!stop[1]) continue;
-        assert.equal(stop[2], true, `${hash}: ${stop[3]}`);
-        reached.add(stop[0]);
+        assert.equal(unmarked, null, hash);
       }
-      assert.equal(reached.size, expected, hash);
+      const missed = await page.evaluate(() => [...window.__missed].filter((control) => control.isConnected).map((control) => control.outerHTML));
+      assert.deepEqual(missed, [], hash);
     }
   });
 
