@@ -54,6 +54,9 @@ function startGuard(group) {
 export class ProcessGroup {
   #guard = null;
 
+  /** The process that runs the command; its standard output and standard error are pipes. */
+  leader;
+
   /** Starts `command` in `folder`. Without a `pid` it could not be started, and `leader` will emit "error". */
   constructor(command, folder) {
     this.leader = startLeader(command, folder);
@@ -62,9 +65,6 @@ export class ProcessGroup {
     if (this.#guard.pid !== undefined) this.leader.stdio[3].write('begin\n');
     this.leader.stdio[3].end();
   }
-
-  /** The process that runs the command; its standard output and standard error are pipes. */
-  leader;
 
   get pid() {
     return this.leader.pid;

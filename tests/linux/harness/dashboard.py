@@ -4,7 +4,6 @@ import json
 import os
 import re
 import textwrap
-import urllib.error
 import urllib.request
 from pathlib import Path
 
@@ -66,8 +65,8 @@ def answer_at(port):
     try:
         with urllib.request.urlopen(f"http://127.0.0.1:{port}/", timeout=5) as answer:
             return answer.read().decode()
-    except urllib.error.URLError:
-        return None
+    except OSError:
+        return None  # Nobody there, or somebody who is just going.
 
 
 class Dashboard:
