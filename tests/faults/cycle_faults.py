@@ -3,9 +3,10 @@
 import os
 import random
 import signal
+import socket
 import time
 
-from harness.server import READY, Plan, last_words, say
+from harness.server import Plan, announce, last_words, say, serve
 from harness.waiting import wait_until
 
 from checks import expect_log_is
@@ -23,7 +24,11 @@ WARM_UP = 3
 
 FIRST_WORDS = "".join(f"line {number}\n" for number in range(100))
 LAST_WORDS = "".join(f"last line {number}\n" for number in range(100))
-WORDS = Plan([say(FIRST_WORDS), *READY, last_words(LAST_WORDS)])
+
+
+def free_port():
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        return listener.getsockname()[1]
 
 
 class Cycles:
@@ -32,7 +37,9 @@ class Cycles:
     def __init__(self, trial):
         self.trial = trial
         desktop = trial.desktop()
-        self.shell = trial.shell(WORDS, desktop, environment=temporary_folder(desktop.folder / "tmp"))
+        # One port for all starts: the engine keeps a folder for each address that it has seen.
+        plan = Plan([say(FIRST_WORDS), serve(free_port()), announce(), last_words(LAST_WORDS)])
+        self.shell = trial.shell(plan, desktop, environment=temporary_folder(desktop.folder / "tmp"))
         for _ in range(WARM_UP):
             self.start_and_quit()
         self._before = files(self.shell)
