@@ -36,6 +36,11 @@ std::string nameOf(SEL selector) {
     return delegate && delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
+// The window's frame is all that is restored, and it is kept elsewhere.
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)sender {
+    return YES;
+}
+
 - (void)applicationWillTerminate:(NSNotification*)notification {
     if (const auto delegate = _delegate.lock()) delegate->applicationWillTerminate();
 }

@@ -104,7 +104,7 @@ namespace harbrook {
 
 std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--version") {
-        std::puts("harbrook " HARBROOK_VERSION);
+        std::puts("Harbrook " HARBROOK_VERSION);
         std::exit(EXIT_SUCCESS);
     }
     return std::make_shared<cocoa::Platform>();

@@ -21,7 +21,8 @@
 
 namespace harbrook::gtk {
 
-GtkPlatform::GtkPlatform() : statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
+GtkPlatform::GtkPlatform(StartedBy startedBy)
+    : application_(startedBy), statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
 
 std::shared_ptr<DispatchSemaphore> GtkPlatform::makeSemaphore(int count) {
     return std::make_shared<Semaphore>(count);
@@ -58,7 +59,8 @@ std::shared_ptr<harbrook::Timer> GtkPlatform::scheduledTimerWithTimeInterval(
 std::shared_ptr<harbrook::WebView> GtkPlatform::makeWebView(
     Rect frame, const WebViewConfiguration& configuration) {
     globalQueue_.async([] { removeEngineLeftovers(g_get_user_runtime_dir()); });
-    return gtk::makeWebView(notificationCenter_, frame, configuration);
+    return gtk::makeWebView(
+        notificationCenter_, frame, configuration, [this] { application_.firstPageDidAppear(); });
 }
 
 std::shared_ptr<harbrook::Window> GtkPlatform::makeWindow(
@@ -91,11 +93,11 @@ std::optional<Image> GtkPlatform::imageWithContentsOfURL(const std::filesystem::
 namespace harbrook {
 
 std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
-    gtk::answerCommandLine(argc, argv);
+    const auto startedBy = gtk::answerCommandLine(argc, argv);
     gtk::setUpProcess();
     // Workers may still be at their blocks while the process ends, and use the services: they are never
     // destroyed.
-    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>().release();
+    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(startedBy).release();
     return {std::shared_ptr<void>(), &platform};
 }
 

@@ -80,7 +80,7 @@ def start_and_kill(trial):
     cycles.expect_no_more_files()
 
 
-@fault("start and quit at a random moment", quick=15, whole=500)
+@fault("start and quit at a random moment", quick=15, whole=200)
 def quit_while_launching(trial):
     moments = random.Random(SEED)
     cycles = Cycles(trial)

@@ -3,10 +3,13 @@
 import os
 from pathlib import Path
 
+# What the system's libraries keep of its fonts. They make it once, in whichever start they come to it.
+SYSTEM_CACHES = {"fontconfig"}
+
 
 def places(shell):
-    """Where the program may write: home, temporary and run-time folders, shared memory."""
-    return [shell.home, Path(shell.environment["TMPDIR"]), Path(shell.environment["XDG_RUNTIME_DIR"]), Path("/dev/shm")]
+    """Where the program may write: home, temporary and run-time folders, each of them private here."""
+    return [shell.home, Path(shell.environment["TMPDIR"]), Path(shell.environment["XDG_RUNTIME_DIR"])]
 
 
 def temporary_folder(folder):
@@ -16,10 +19,11 @@ def temporary_folder(folder):
 
 
 def files(shell):
-    """Every file, folder and socket of this user's that there is now."""
+    """Every file, folder and socket that there is now."""
     found = set()
     for place in places(shell):
         for folder, folders, names in os.walk(place):
+            folders[:] = [name for name in folders if name not in SYSTEM_CACHES]
             found |= {os.path.join(folder, name) for name in folders + names}
     return found
 

@@ -27,7 +27,8 @@ def pytest_runtest_makereport(item, call):
         return
     for number, shell in enumerate(item.funcargs.get("make_shell", lambda: None).__dict__.get("made", [])):
         report.sections.append((f"program {number}", shell.output[-10_000:]))
-        events = [server.names() for server in shell.switchboard.servers]
+        # Without the harness's own conversation with the page.
+        events = [[name for name in server.names() if name not in ("done", "result")] for server in shell.switchboard.servers]
         report.sections.append((f"servers {number}", "\n".join(map(str, events))))
     # Afterwards the desktops are gone already.
     if call.when == "teardown":

@@ -112,3 +112,10 @@ def test_when_the_display_goes_away_all_is_ended(make_desktop, make_shell):
     shell.server.wait_until_gone()
     shell.wait_until_ended()
     assert not is_alive(shell.pid)
+
+
+def test_a_page_that_never_yields_ends_with_the_program(running):
+    running.server.evaluate("void setTimeout(() => { for (;;); }, 0)")
+    running.quit()
+    # By itself, the engine's process would look for its program only every ten seconds.
+    running.wait_until_ended(5)

@@ -35,18 +35,16 @@ def installed(make_shell, make_desktop):
     shell.wait_until_ended()
 
 
-def run(shell, *command):
-    """Runs a tool of the desktop's to its end and gives what it printed."""
-    return subprocess.run(
-        command, env=shell.environment, check=True, timeout=60, stdout=subprocess.PIPE, text=True
-    ).stdout
+def run(shell, *command, **options):
+    """Runs a tool of the desktop's to its end."""
+    return subprocess.run(command, env=shell.environment, check=True, timeout=20, **options)
 
 
 def is_at(shell, hash):
     return wait_until(f"the page is at {hash}", lambda: shell.server.evaluate("location.hash") == hash)
 
 
-def bus_owner_windows(shell):
+def windows(shell):
     """The visible windows, whoever has started their program."""
     return shell.desktop.screen.windows()
 
@@ -56,22 +54,23 @@ def test_the_launcher_starts_the_program(installed, tool):
     entry = installed.tree / f"share/applications/{ID}.desktop"
     run(installed, tool, "launch", ID if tool == "gapplication" else str(entry))
     installed.server.wait_for_page()
-    wait_until("one window", lambda: len(bus_owner_windows(installed)) == 1)
+    wait_until("one window", lambda: len(windows(installed)) == 1)
 
 
 def test_the_launcher_brings_a_closed_window_back_and_starts_nothing_again(installed):
     run(installed, "gapplication", "launch", ID)
     installed.server.wait_for_page()
     run(installed, "gapplication", "action", ID, "performClose")
-    wait_until("no window", lambda: not bus_owner_windows(installed))
+    wait_until("no window", lambda: not windows(installed))
     run(installed, "gapplication", "launch", ID)
-    wait_until("the window", lambda: bus_owner_windows(installed))
+    wait_until("the window", lambda: windows(installed))
     assert len(installed.switchboard.servers) == 1
 
 
 def test_the_entry_offers_the_views(installed):
     run(installed, "gapplication", "launch", ID)
-    assert run(installed, "gapplication", "list-actions", ID).split() == list(VIEWS)
+    listed = run(installed, "gapplication", "list-actions", ID, stdout=subprocess.PIPE, text=True)
+    assert listed.stdout.split() == list(VIEWS)
 
 
 @pytest.mark.parametrize("action", VIEWS)

@@ -37,6 +37,8 @@ class BareRoot:
         # Links, devices and owners as they are.
         subprocess.run(["cp", "--archive", "--reflink=auto", pristine(), self.tree], check=True)
         shutil.copy("/etc/resolv.conf", self.tree / "etc" / "resolv.conf")
+        # What every installer writes and debootstrap does not.
+        (self.tree / "etc" / "hosts").write_text("127.0.0.1 localhost\n::1 localhost\n")
         self.run("useradd", "--create-home", "--shell", "/bin/bash", "--uid", str(USER_NUMBER), USER)
         self.home = self.tree / "home" / USER
 

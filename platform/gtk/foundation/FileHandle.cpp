@@ -1,5 +1,6 @@
 #include "platform/gtk/foundation/FileHandle.h"
 
+#include "platform/gtk/foundation/Clock.h"
 #include "platform/gtk/foundation/Thread.h"
 
 #include <fcntl.h>
@@ -21,6 +22,9 @@ constexpr std::size_t readSize = std::size_t{128} * 1024;
 /// What a watched pipe holds at most; an unprivileged user is allowed that much. The writer then runs on
 /// while the handler is at work.
 constexpr int watchedPipeSize = 1024 * 1024;
+
+/// A handler that takes longer than this for what a pipe holds is stuck, on a file system that hangs say.
+constexpr double handlerPatience = 2;
 
 } // namespace
 
@@ -109,8 +113,9 @@ void FileHandle::waitUntilHandled() {
     std::unique_lock lock(mutex_);
     // What a call that is under way has read may have come out of the pipe before.
     const std::size_t enough = handled_ + readableNow() + readSize;
-    callEnded_.wait(
-        lock, [&] { return !serving_ || handled_ >= enough || (!handling_ && readableNow() == 0); });
+    callEnded_.wait_until(lock, momentAfter(handlerPatience), [&] {
+        return !serving_ || handled_ >= enough || (!handling_ && readableNow() == 0);
+    });
 }
 
 std::size_t FileHandle::readableNow() const {

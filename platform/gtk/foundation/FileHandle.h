@@ -25,7 +25,7 @@ public:
     void setReadabilityHandler(ReadabilityHandler handler) override;
 
     /// Blocks until the handler, if there is one, has dealt with all that can be read at this moment; what
-    /// comes later is not waited for. Any thread but the handler's own.
+    /// comes later is not waited for, nor a handler that is stuck. Any thread but the handler's own.
     void waitUntilHandled();
 
     /// -1 for none.

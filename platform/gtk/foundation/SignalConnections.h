@@ -13,10 +13,14 @@ public:
     SignalConnections() = default;
     SignalConnections(const SignalConnections&) = delete;
     SignalConnections& operator=(const SignalConnections&) = delete;
-    ~SignalConnections() {
+    ~SignalConnections() { clear(); }
+
+    /// Disconnects all of them now.
+    void clear() {
         for (const auto& connection : connections_) {
             g_signal_handler_disconnect(connection.instance.get(), connection.handler);
         }
+        connections_.clear();
     }
 
     /// Calls `callback`, a captureless function with the signal's own signature, with `receiver` as its last
