@@ -22,6 +22,9 @@ LAUNCH = 1.0
 # What is made once is there after so many starts.
 WARM_UP = 3
 
+# For an address the engine makes a folder in a folder with a file, and when it ends in order, removes them again.
+FOR_ONE_ADDRESS = 3
+
 FIRST_WORDS = "".join(f"line {number}\n" for number in range(100))
 LAST_WORDS = "".join(f"last line {number}\n" for number in range(100))
 
@@ -52,9 +55,9 @@ class Cycles:
         log = f"{FIRST_WORDS}HARBROOK_PORT {server.port}\n{LAST_WORDS}"
         expect_log_is(self.trial, self.shell, log.encode())
 
-    def expect_no_more_files(self):
+    def expect_no_more_files(self, allowed=0):
         more, names = new_files(self.shell, self._before)
-        self.trial.expect(more == 0, f"{more} files more than at the beginning: {names}")
+        self.trial.expect(more <= allowed, f"{more} files more than at the beginning: {names}")
 
 
 @fault("start and quit", quick=10, whole=1000)
@@ -77,7 +80,7 @@ def start_and_kill(trial):
         cycles.shell.wait()
         trial.expect_nothing_left(cycles.shell)
     cycles.start_and_quit()
-    cycles.expect_no_more_files()
+    cycles.expect_no_more_files(allowed=FOR_ONE_ADDRESS)
 
 
 @fault("start and quit at a random moment", quick=15, whole=200)
