@@ -68,7 +68,7 @@ def start_and_quit(trial):
     cycles.expect_no_more_files()
 
 
-@fault("start and SIGKILL at a random moment", quick=15, whole=200)
+@fault("start and SIGKILL at a random moment", quick=8, whole=200)
 def start_and_kill(trial):
     moments = random.Random(SEED)
     cycles = Cycles(trial)
@@ -83,7 +83,7 @@ def start_and_kill(trial):
     cycles.expect_no_more_files(allowed=FOR_ONE_ADDRESS)
 
 
-@fault("start and quit at a random moment", quick=15, whole=200)
+@fault("start and quit at a random moment", quick=8, whole=200)
 def quit_while_launching(trial):
     moments = random.Random(SEED)
     cycles = Cycles(trial)
