@@ -34,6 +34,11 @@ def write_log(lines):
     log.write_text(lines)
 
 
+def spin():
+    while True:
+        pass
+
+
 class AnsweringWindow:
     """A window whose program answers _NET_WM_PING, each time after so many seconds."""
 
@@ -76,7 +81,7 @@ def main(weakness, value=""):
     if weakness == "window":
         threading.Thread(target=AnsweringWindow(float(value)).answer, daemon=True).start()
     if weakness == "restless":
-        threading.Thread(target=lambda: any(iter(int, 1)), daemon=True).start()
+        threading.Thread(target=spin, daemon=True).start()
     (Path(os.environ["HOME"]) / "ready").touch()
     while True:
         signal.pause()
