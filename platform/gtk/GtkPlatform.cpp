@@ -7,6 +7,7 @@
 #include "platform/gtk/foundation/Task.h"
 #include "platform/gtk/foundation/Timer.h"
 #include "platform/gtk/status/Images.h"
+#include "platform/gtk/web/EngineLeftovers.h"
 #include "platform/gtk/web/WebView.h"
 #include "platform/gtk/window/Alert.h"
 #include "platform/gtk/window/Constraints.h"
@@ -57,6 +58,7 @@ std::shared_ptr<harbrook::Timer> GtkPlatform::scheduledTimerWithTimeInterval(
 
 std::shared_ptr<harbrook::WebView> GtkPlatform::makeWebView(
     Rect frame, const WebViewConfiguration& configuration) {
+    globalQueue_.async([] { removeEngineLeftovers(g_get_user_runtime_dir()); });
     return gtk::makeWebView(
         notificationCenter_, frame, configuration, [this] { application_.firstPageDidAppear(); });
 }

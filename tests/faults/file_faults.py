@@ -30,7 +30,7 @@ def start_once_more(trial, shell):
     trial.quit(shell)
 
 
-@fault("the data directory is on a full disk", quick=1, whole=30)
+@fault("the data directory is on a full disk", quick=1, whole=20)
 def full_disk(trial):
     mounts.require_mounts()
     shell = trial.shell()
@@ -48,7 +48,7 @@ def full_disk(trial):
         start_once_more(trial, shell)
 
 
-@fault("the disk of the data directory fills up", quick=1, whole=30)
+@fault("the disk of the data directory fills up", quick=1, whole=20)
 def disk_fills_up(trial):
     mounts.require_mounts()
     shell = trial.shell()
@@ -61,7 +61,7 @@ def disk_fills_up(trial):
         trial.quit(shell)
 
 
-@fault("the home is on a full disk", quick=1, whole=30)
+@fault("the home is on a full disk", quick=1, whole=20)
 def full_home(trial):
     mounts.require_mounts()
     shell = trial.shell()
@@ -72,7 +72,7 @@ def full_home(trial):
     start_once_more(trial, shell)
 
 
-@fault("the data directory is read-only", quick=1, whole=30)
+@fault("the data directory is read-only", quick=1, whole=20)
 def read_only(trial):
     mounts.require_mounts()
     shell = trial.shell()
@@ -84,7 +84,7 @@ def read_only(trial):
     start_once_more(trial, shell)
 
 
-@fault("the data directory is removed while the program runs", quick=2, whole=50)
+@fault("the data directory is removed while the program runs", quick=2, whole=20)
 def removed(trial):
     shell = trial.shell()
     for _ in trial.rounds():
@@ -96,7 +96,7 @@ def removed(trial):
     start_once_more(trial, shell)
 
 
-@fault("the home is removed while the program runs", quick=1, whole=30)
+@fault("the home is removed while the program runs", quick=1, whole=20)
 def home_removed(trial):
     for _ in trial.rounds():
         shell = trial.shell()
@@ -137,14 +137,14 @@ def log(shell):
     return shell.log
 
 
-fault("the data directory is a symbolic link to itself", quick=1, whole=30)(instead_of(data, loop))
-fault("the data directory is a file", quick=1, whole=30)(instead_of(data, lambda path: path.write_text("a file")))
-fault("the log is a symbolic link to itself", quick=0, whole=30)(instead_of(log, loop))
-fault("the log is a directory", quick=1, whole=30)(instead_of(log, lambda path: path.mkdir()))
-fault("the log is a FIFO that nobody reads", quick=1, whole=30)(instead_of(log, os.mkfifo))
+fault("the data directory is a symbolic link to itself", quick=1, whole=20)(instead_of(data, loop))
+fault("the data directory is a file", quick=1, whole=20)(instead_of(data, lambda path: path.write_text("a file")))
+fault("the log is a symbolic link to itself", quick=0, whole=20)(instead_of(log, loop))
+fault("the log is a directory", quick=1, whole=20)(instead_of(log, lambda path: path.mkdir()))
+fault("the log is a FIFO that nobody reads", quick=1, whole=20)(instead_of(log, os.mkfifo))
 
 
-@fault("the log is a FIFO in a read-only directory", quick=1, whole=30)
+@fault("the log is a FIFO in a read-only directory", quick=1, whole=20)
 def fixed_fifo(trial):
     """Here the program cannot put a file in its place."""
     mounts.require_mounts()

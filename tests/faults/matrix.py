@@ -64,6 +64,12 @@ class Counts:
     def holds(self):
         return not self.failures and self.not_tried is None
 
+    @property
+    def outcome(self):
+        if self.failures:
+            return "DOES NOT HOLD"
+        return f"not tried: {self.not_tried}" if self.not_tried is not None else "holds"
+
 
 class Trial:
     """One fault being tried: makes what it needs, counts what happens, and takes everything away at the end."""

@@ -58,7 +58,7 @@ def interpreter_does_not_start(trial):
 
 
 # The program waits ten seconds for an announcement.
-@fault("the server exits at once", quick=1, whole=20)
+@fault("the server exits at once", quick=1, whole=10)
 def exits_at_once(trial):
     shell = trial.shell(Plan([say("no luck today\n"), leave(3)]))
     for _ in trial.rounds():
@@ -102,7 +102,7 @@ def wait_for_poll(port):
         listener.accept()[0].close()
 
 
-@fault("the server exits, and polling goes on in vain", quick=1, whole=20)
+@fault("the server exits, and polling goes on in vain", quick=1, whole=10)
 def polling_in_vain(trial):
     shell = trial.shell(WITH_NOTES)
     with closing(StatusMenu(shell.desktop)) as panel:
@@ -124,7 +124,7 @@ def polling_in_vain(trial):
 IDLE_CONNECTION = 60
 
 
-@fault("the server is stopped and goes on", quick=0, whole=20)
+@fault("the server is stopped and goes on", quick=0, whole=10)
 def stopped_for_a_while(trial):
     shell = trial.shell(WITH_NOTES)
     with closing(StatusMenu(shell.desktop)) as panel:
@@ -155,7 +155,7 @@ def stop_for_a_while(server, panel):
     server.wait_for_request("/api/state", after=seen)
 
 
-@fault("the server is stopped when the program quits", quick=3, whole=50)
+@fault("the server is stopped when the program quits", quick=2, whole=20)
 def stopped_at_the_end(trial):
     shell = trial.shell(WITH_NOTES)
     with closing(StatusMenu(shell.desktop)) as panel:
@@ -209,7 +209,7 @@ def closes_its_streams(trial):
         trial.quit(shell)
 
 
-@fault("the server announces itself too late", quick=1, whole=10)
+@fault("the server announces itself too late", quick=0, whole=5)
 def announces_too_late(trial):
     shell = trial.shell(Plan([serve()]))
     for _ in trial.rounds():

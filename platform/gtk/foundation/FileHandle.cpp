@@ -76,7 +76,12 @@ void FileHandle::setReadabilityHandler(ReadabilityHandler handler) {
     handler_ = std::make_shared<const ReadabilityHandler>(std::move(handler));
     if (std::exchange(serving_, true)) return;
     fcntl(descriptor(), F_SETPIPE_SZ, watchedPipeSize);
-    startThread("pipe reader", [self = shared_from_this()] { self->serveReadability(); });
+    try {
+        startThread("pipe reader", [self = shared_from_this()] { self->serveReadability(); });
+    } catch (const std::system_error&) {
+        handler_ = nullptr;
+        serving_ = false;
+    }
 }
 
 void FileHandle::serveReadability() noexcept {

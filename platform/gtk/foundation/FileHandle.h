@@ -21,7 +21,7 @@ public:
     void writeData(std::string_view data) override;
     void seekToEndOfFile() override;
     /// The handler has a thread of its own, which it may block. An empty handler ends the calls, once a call
-    /// that is due has been made.
+    /// that is due has been made. When the system has no thread left, the handler is never called.
     void setReadabilityHandler(ReadabilityHandler handler) override;
 
     /// Blocks until the handler, if there is one, has dealt with all that can be read at this moment; what
