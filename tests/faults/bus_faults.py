@@ -5,25 +5,24 @@ from harness.tray import ITEM, ITEM_PATH, MENU
 
 from matrix import fault
 from peers import Caller, SilentWatcher
-from polls import Panel, Polls, polled_plan, snapshot
+from polls import STATE, Polls, in_panel, polled_plan, refresh, snapshot
 
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
 
-def in_panel(trial, desktop=None):
-    """A shell whose item is in a panel: shell, server and panel."""
-    shell = trial.shell(polled_plan(), desktop)
-    panel = Panel(shell.desktop)
-    server = trial.start(shell)
-    server.wait_for_page()
-    panel.wait_for_count(0)
-    return shell, server, panel
+def with_projects(trial):
+    """A shell and the panel that its menu is in, with several projects in the menu."""
+    shell, server, panel = in_panel(trial)
+    server.answer(STATE, **snapshot(6))
+    refresh(server)
+    panel.wait_for_count(6)
+    return shell, panel
 
 
 @fault("the session bus is lost", quick=1, whole=20)
 def bus_lost(trial):
     for _ in trial.rounds():
-        shell, server, _ = in_panel(trial, trial.desktop())
+        shell, server, _ = in_panel(trial, trial.shell(polled_plan(), trial.desktop()))
         polls = Polls(server)
         with trial.answering(shell):
             shell.desktop.end_bus()
@@ -107,9 +106,7 @@ def malformed(rows):
 
 @fault("malformed calls of the menu", quick=2, whole=50)
 def menu_malformed(trial):
-    shell, server, panel = in_panel(trial)
-    server.answer("/api/state", **snapshot(6))
-    panel.wait_for_count(6)
+    shell, panel = with_projects(trial)
     item = panel.item
     caller = Caller(shell.desktop, item.name)
     layout = item.menu.layout()
@@ -134,9 +131,7 @@ def menu_malformed(trial):
 @fault("a thousand panels open the menu at once", quick=2, whole=20)
 def menu_flooded(trial):
     """A round is a thousand times what a panel asks when its user opens the menu."""
-    shell, server, panel = in_panel(trial)
-    server.answer("/api/state", **snapshot(6))
-    panel.wait_for_count(6)
+    shell, panel = with_projects(trial)
     item = panel.item
     caller = Caller(shell.desktop, item.name)
 
