@@ -16,14 +16,17 @@ class Clock:
 
     monotonic: whether the clock that delays are measured by goes along. Setting the system's clock leaves that one
     alone.
+    rate: how many times as fast as the real one it is from the beginning.
     """
 
-    def __init__(self, shell, monotonic):
+    def __init__(self, shell, monotonic, rate=1):
         self._file = shell.folder / "clock"
-        self.set()
-        shell.environment |= {"FAKETIME_TIMESTAMP_FILE": str(self._file), "FAKETIME_NO_CACHE": "1", "FAKETIME_XRESET": "1"}
+        self.set(rate=rate)
+        # Read anew each time.
+        settings = {"FAKETIME_TIMESTAMP_FILE": str(self._file), "FAKETIME_NO_CACHE": "1"}
         if not monotonic:
-            shell.environment["FAKETIME_DONT_FAKE_MONOTONIC"] = "1"
+            settings["FAKETIME_DONT_FAKE_MONOTONIC"] = "1"
+        shell.environment |= settings
         self._put_into(shell.executable)
 
     @staticmethod
@@ -34,7 +37,10 @@ class Clock:
         copy.rename(program)
 
     def set(self, offset=0, rate=1):
-        """That many seconds ahead of the real clock, and so many times as fast, from now on."""
+        """That many seconds ahead of the real clock, and so many times as fast.
+
+        At a new rate the clock leaps to where it would be had it been so fast from the beginning.
+        """
         new = self._file.with_name("new-clock")
         new.write_text(f"{offset:+} x{rate}\n")
         new.rename(self._file)

@@ -9,7 +9,7 @@ from harness.waiting import wait_until
 
 from clock import Clock
 from matrix import fault
-from polls import STATE, Panel, Polls, polled_plan, snapshot
+from polls import STATE, Polls, in_panel, refresh, snapshot
 
 WEB = "WebKitWebProces"
 NETWORK = "WebKitNetworkPr"
@@ -18,12 +18,12 @@ SLOW = {"body": page(), "delay": 2.0}
 QUICK = {"body": page()}
 
 
-def started(trial, plan=Plan()):
+def started(trial):
     """A shell with its page and the connection that its polls use, and its server."""
-    shell = trial.shell(plan)
+    shell = trial.shell()
     server = trial.start(shell)
     server.wait_for_page()
-    server.evaluate("window.webkit.messageHandlers.fc.postMessage('state')")
+    refresh(server)
     server.wait_for_request(STATE)
     return shell, server
 
@@ -122,12 +122,11 @@ def network_process_killed_during_load(trial):
 @fault("the page hangs in an endless loop", quick=1, whole=20)
 def page_hangs(trial):
     for number in trial.rounds():
-        shell, server = started(trial, polled_plan())
-        panel = Panel(shell.desktop)
+        shell, server, panel = in_panel(trial)
         polls = Polls(server)
         server.evaluate("void setTimeout(() => { for (;;); }, 0)")
         with trial.answering(shell):
-            server.answer("/api/state", **snapshot(number + 1))
+            server.answer(STATE, **snapshot(number + 1))
             polls.times(1)
             panel.wait_for_count(number + 1)
             press_close(shell)
@@ -154,10 +153,8 @@ FAST = 10
 def loads_fail(trial):
     """The server hangs up each time, until it does not."""
     shell = trial.shell(Plan(answers={"/": {"drop": True}}))
-    clock = Clock(shell, monotonic=True)
+    Clock(shell, monotonic=True, rate=FAST)
     server = trial.start(shell)
-    server.wait_for_request("/")
-    clock.set(rate=FAST)
     attempts = Attempts(server)
     for _ in range(10):
         attempts.wait()

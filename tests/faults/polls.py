@@ -20,6 +20,11 @@ def polled_plan(steps=READY):
     return Plan(steps, answers={STATE: snapshot(0)})
 
 
+def refresh(server):
+    """Has the program poll now, as its page may."""
+    server.evaluate("void window.webkit.messageHandlers.fc.postMessage('state')")
+
+
 class Polls:
     """The polls that reach a server from now on, one after the other."""
 
@@ -41,6 +46,17 @@ class Polls:
         events = self._server.events
         place, self._place = self._place, len(events)
         return sum(event["event"] == "request" and event["path"] == STATE for event in events[place : self._place])
+
+
+def in_panel(trial, shell=None):
+    """A shell whose polls are answered and whose menu is in a panel: shell, server and panel."""
+    shell = shell or trial.shell(polled_plan())
+    panel = Panel(shell.desktop)
+    server = trial.start(shell)
+    server.wait_for_page()
+    refresh(server)
+    panel.wait_for_count(0)
+    return shell, server, panel
 
 
 class Panel:

@@ -1,27 +1,34 @@
-// Any bytes that come over a bus as a notification's dictionary: they become a value of the same shape, and a
-// screenshot request only with a hash.
+// Any arguments that a signal on the bus can carry: only one dictionary with text for its keys is a
+// notification's, and only one with a hash asks for a picture.
 
-#include "platform/gtk/bus/VariantValue.h"
+#include "platform/gtk/bus/DistributedNotificationCenter.h"
 #include "platform/gtk/foundation/GObjectPtr.h"
 #include "shots/ScreenshotRequest.h"
 #include "tests/fuzz/FuzzInput.h"
 
-#include <cstring>
-#include <iterator>
+#include <array>
 
 namespace {
 
 using namespace harbrook;
 
-constexpr const char* types[] = {"a{sv}", "v",       "a{ss}", "(sva{sv})", "av",
-                                 "aas",   "(btydo)", "a{xv}", "a{yv}"};
+/// The kinds of arguments, the first byte of an input choosing among them.
+constexpr std::array kinds = {
+    "(a{sv})",          "(v)",      "(a{ss})", "(a{sa{sv}})", "()",      "(a{iv})", "(sa{sv})",
+    "(a{s(ybnqixtd)})", "(a{sav})", "(maas)",  "(a{oag})",    "(a{sh})", "(s)",     "(aaaay)"};
 
-gtk::GVariantPtr variantFrom(const char* type, const std::uint8_t* data, std::size_t size) {
-    // The library wants a copy that is aligned.
-    void* copy = g_malloc(size + 1);
-    if (size > 0) std::memcpy(copy, data, size);
-    return gtk::GVariantPtr(
-        g_variant_ref_sink(g_variant_new_from_data(G_VARIANT_TYPE(type), copy, size, FALSE, g_free, copy)));
+/// What a variant holds, however often it is wrapped.
+gtk::GVariantPtr unwrapped(gtk::GVariantPtr variant) {
+    while (g_variant_is_of_type(variant.get(), G_VARIANT_TYPE_VARIANT)) {
+        variant.reset(g_variant_get_variant(variant.get()));
+    }
+    return variant;
+}
+
+bool isOneDictionary(GVariant* arguments) {
+    if (g_variant_n_children(arguments) != 1) return false;
+    const auto argument = unwrapped(gtk::GVariantPtr(g_variant_get_child_value(arguments, 0)));
+    return g_variant_is_of_type(argument.get(), G_VARIANT_TYPE("a{s*}")) != 0;
 }
 
 } // namespace
@@ -34,13 +41,15 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
-    const auto* type = types[data[0] % std::size(types)];
-    const auto value = gtk::valueFromVariant(variantFrom(type, data + 1, size - 1).get());
-    const auto* dictionary = value.as<Value::Dictionary>();
-    if (std::strcmp(type, "v") != 0) {
-        fuzz::require((dictionary != nullptr) == (std::strncmp(type, "a{s", 3) == 0));
-    }
-    const auto request = screenshotRequest(dictionary ? std::optional(*dictionary) : std::nullopt);
-    fuzz::require(request.has_value() == (dictionary && stringForKey(*dictionary, "hash")));
+    // The library lays no bytes out that are not aligned; a copy is.
+    const gtk::GBytesPtr bytes(g_bytes_new(data + 1, size - 1));
+    const GVariantType* kind = G_VARIANT_TYPE(kinds.at(data[0] % kinds.size()));
+    const gtk::GVariantPtr arguments(g_variant_ref_sink(g_variant_new_from_bytes(kind, bytes.get(), FALSE)));
+    const auto userInfo = gtk::userInfoFromArguments(arguments.get());
+    fuzz::require(userInfo.has_value() == isOneDictionary(arguments.get()));
+    if (!userInfo) return 0;
+    const auto hash = userInfo->find("hash");
+    const bool hasHash = hash != userInfo->end() && hash->second.as<std::string>();
+    fuzz::require(screenshotRequest(*userInfo).has_value() == hasHash);
     return 0;
 }

@@ -77,6 +77,15 @@ TEST(MenuVariant, ReplacesWhatTheBusCannotCarry) {
     EXPECT_EQ(properties(item), "{'label': <'\uFFFD'>}");
 }
 
+TEST(MenuVariant, AnswersForARowOnceHoweverOftenItIsNamed) {
+    const auto layout = layoutOf(unreachable());
+    const std::vector<std::int32_t> often(1000, 3);
+    EXPECT_EQ(printed(menuPropertiesOfRows(layout, often, {"enabled"})), "[(3, {'enabled': <false>})]");
+    EXPECT_EQ(
+        printed(menuPropertiesOfRows(layout, {3, 2, 99, 3, 2}, {"type"})),
+        "[(3, {}), (2, {'type': <'separator'>})]");
+}
+
 TEST(MenuVariant, GoesAsDeepAsItIsAsked) {
     const auto layout = layoutOf(menuOf({runningProject("a", {1})}));
     const auto depth = [&](int levels) { return printed(menuTree(layout, 0, levels, {"none"})); };

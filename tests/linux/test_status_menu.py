@@ -178,6 +178,13 @@ def test_a_click_may_come_in_a_group(started):
     shell.server.wait_for_request("/api/project/stop", "POST")
 
 
+def test_a_group_larger_than_any_hosts_is_refused(started):
+    _, menu = started(SHOP)
+    clicked = (menu.layout().find("Open Harbrook").number, "clicked", GLib.Variant("i", 0), 0)
+    with pytest.raises(GLib.Error, match="Too many events"):
+        menu.call("EventGroup", "(a(isvu))", [clicked] * 1001)
+
+
 def test_rows_without_an_action_do_nothing(started):
     shell, menu = started(SHOP)
     for row in menu.layout().children:

@@ -3,6 +3,7 @@
 #include "platform/Menu.h"
 #include "platform/gtk/bus/DBusObject.h"
 #include "platform/gtk/status/MenuLayout.h"
+#include "platform/gtk/status/MenuVariant.h"
 #include "platform/gtk/status/MenuVisibility.h"
 
 #include <functional>
@@ -40,7 +41,8 @@ private:
     enum class Announcement { signal, answer };
 
     /// `makeValue` may run on another thread.
-    void answer(Invocation invocation, std::function<GVariant*()> makeValue) const;
+    void answer(
+        Invocation invocation, const PropertyNames& names, std::function<GVariant*()> makeValue) const;
     void getLayout(GVariant* arguments, Invocation invocation);
     void getGroupProperties(GVariant* arguments, Invocation invocation);
     void getProperty(GVariant* arguments, Invocation invocation);

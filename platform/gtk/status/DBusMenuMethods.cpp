@@ -3,7 +3,6 @@
 #include "platform/gtk/bus/DBusAnswer.h"
 #include "platform/gtk/status/DBusMenu.h"
 #include "platform/gtk/status/DBusMenuInterface.h"
-#include "platform/gtk/status/MenuVariant.h"
 
 #include <array>
 
@@ -13,8 +12,13 @@ namespace {
 
 constexpr std::uint32_t protocolVersion = 3;
 
-/// Larger menus take milliseconds to put into words, so the main thread does not do that.
+/// Larger menus, and more names than there are properties, take milliseconds, so the main thread does not put
+/// these answers into words.
 constexpr std::size_t rowsAnsweredAtOnce = 250;
+constexpr std::size_t namesAnsweredAtOnce = 20;
+
+/// What a host collects while its user moves over the menu is far less.
+constexpr std::size_t largestEventGroup = 1000;
 
 std::string unknownRow(std::int32_t id) {
     return "The menu has no row " + std::to_string(id);
@@ -81,9 +85,10 @@ void DBusMenu::getLayout(GVariant* arguments, Invocation invocation) {
     const GVariantPtr ownedNames(names);
     const auto index = published_->indexOf(parent);
     if (!index) return returnInvalidArguments(std::move(invocation), unknownRow(parent));
+    const auto wanted = propertyNames(names);
     answer(
-        std::move(invocation),
-        [layout = published_, revision = revision_, index = *index, depth, wanted = propertyNames(names)] {
+        std::move(invocation), wanted,
+        [layout = published_, revision = revision_, index = *index, depth, wanted] {
             return g_variant_new("(u@(ia{sv}av))", revision, menuTree(*layout, index, depth, wanted));
         });
 }
@@ -91,15 +96,15 @@ void DBusMenu::getLayout(GVariant* arguments, Invocation invocation) {
 void DBusMenu::getGroupProperties(GVariant* arguments, Invocation invocation) {
     const GVariantPtr idVariant(g_variant_get_child_value(arguments, 0));
     const GVariantPtr nameVariant(g_variant_get_child_value(arguments, 1));
-    answer(
-        std::move(invocation),
-        [layout = published_, wanted = ids(idVariant.get()), names = propertyNames(nameVariant.get())] {
-            return g_variant_new("(@a(ia{sv}))", menuPropertiesOfRows(*layout, wanted, names));
-        });
+    const auto names = propertyNames(nameVariant.get());
+    answer(std::move(invocation), names, [layout = published_, wanted = ids(idVariant.get()), names] {
+        return g_variant_new("(@a(ia{sv}))", menuPropertiesOfRows(*layout, wanted, names));
+    });
 }
 
-void DBusMenu::answer(Invocation invocation, std::function<GVariant*()> makeValue) const {
-    if (published_->rows().size() > rowsAnsweredAtOnce) {
+void DBusMenu::answer(
+    Invocation invocation, const PropertyNames& names, std::function<GVariant*()> makeValue) const {
+    if (published_->rows().size() > rowsAnsweredAtOnce || names.size() > namesAnsweredAtOnce) {
         returnValueFromWorker(std::move(invocation), std::move(makeValue));
     } else {
         returnValue(std::move(invocation), makeValue());
@@ -139,6 +144,7 @@ void DBusMenu::eventGroup(GVariant* arguments, Invocation invocation) {
     std::vector<std::int32_t> unknown;
     const GVariantPtr array(g_variant_get_child_value(arguments, 0));
     const auto count = g_variant_n_children(array.get());
+    if (count > largestEventGroup) return returnInvalidArguments(std::move(invocation), "Too many events");
     for (gsize i = 0; i < count; ++i) {
         const GVariantPtr entry(g_variant_get_child_value(array.get(), i));
         std::int32_t id = 0;

@@ -90,8 +90,12 @@ GVariant* menuPropertiesOfRows(
     const auto add = [&](const MenuLayout::Row& row) {
         g_variant_builder_add(&answer, "(i@a{sv})", row.id, menuProperties(row.item, names));
     };
+    std::vector<bool> added(layout.rows().size());
     for (const auto id : ids) {
-        if (const auto index = layout.indexOf(id)) add(layout.rows()[*index]);
+        const auto index = layout.indexOf(id);
+        if (!index || added[*index]) continue;
+        added[*index] = true;
+        add(layout.rows()[*index]);
     }
     if (ids.empty()) {
         for (const auto& row : layout.rows())

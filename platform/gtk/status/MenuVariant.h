@@ -27,7 +27,7 @@ using PropertyNames = std::vector<std::string>;
 [[nodiscard]] GVariant* changeableMenuProperties(const MenuItem& item);
 
 /// The properties of the rows with these ids, or of all rows when there are none, as `a(ia{sv})`. Ids without
-/// a row are passed over.
+/// a row are passed over, and so are those that come again.
 [[nodiscard]] GVariant* menuPropertiesOfRows(
     const MenuLayout& layout, const std::vector<std::int32_t>& ids, const PropertyNames& names);
 
