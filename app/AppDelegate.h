@@ -61,8 +61,7 @@ public:
     // server/
     /// Starts the server on a worker and returns at once. `completion` is called once, on the main queue.
     void startServerIfNeeded(Completion completion);
-    /// A request to the server's API: `path` below the root, the token, and `timeout` seconds for the whole
-    /// of it.
+    /// A request to the server's API: `path` below the root, the token, and `timeout` seconds of patience.
     [[nodiscard]] URLRequest apiRequest(const std::string& path, double timeout = 1.5);
     /// Whether the server answers with 200 within the default time. `completion` is called once, on the URL
     /// session's queue.

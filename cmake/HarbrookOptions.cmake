@@ -16,3 +16,10 @@ if(HARBROOK_SANITIZE)
   target_compile_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE})
 endif()
+
+# What Debian hardens its own programs with. The sanitizers bring their own checks of the same functions.
+if(NOT APPLE AND NOT HARBROOK_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+  target_compile_options(harbrook_options INTERFACE
+    -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection)
+  target_link_options(harbrook_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+endif()

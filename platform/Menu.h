@@ -9,9 +9,11 @@
 
 // How to add a menu command:
 //   1. add a row to the menu's table (app/MainMenu.cpp, or status/StatusMenu.cpp);
-//   2. declare its handler among the commands of AppDelegate (app/AppDelegate.h);
+//   2. declare its handler among the commands of AppDelegate (app/AppDelegate.h), and write it in
+//      app/Commands.cpp;
 //   3. name the handler in the action table (app/Actions.cpp);
-//   4. say in tests/unit what choosing it must do.
+//   4. say in tests/unit/CommandsTest.cpp what choosing it must do, and add it to the menus that
+//      tests/unit/MainMenuTest.cpp and tests/linux/test_menu.py list.
 
 namespace harbrook {
 

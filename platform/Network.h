@@ -14,7 +14,9 @@ namespace harbrook {
 
 enum class CachePolicy { useProtocolCachePolicy = 0 };
 
-/// Time-outs are in seconds and hold for the whole exchange.
+/// The time-out is in seconds: an exchange in which nothing arrives for that long fails. One in which parts
+/// arrive all along but that takes longer as a whole fails on Linux and goes on on macOS; nothing may count
+/// on either.
 struct URLRequest {
     explicit URLRequest(URL address) : url(std::move(address)) {}
 

@@ -1,28 +1,7 @@
 import { readFileSync } from 'node:fs';
+import { composedAndRunning, containersWithProjects, portsWithProjects, projectLookup } from './owners.js';
 
 const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
-
-/** The projects' paths, so that a folder's project is found by walking up from it. */
-function projectLookup(projects) {
-  const byFolder = new Map(projects.map((project) => [project.realPath, project.path]));
-  return (folder) => {
-    for (let at = folder; at; at = at.slice(0, at.lastIndexOf('/'))) {
-      if (byFolder.has(at)) return byFolder.get(at);
-    }
-    return null;
-  };
-}
-
-/** Every port with the path of its project: that of the run which opened it, or else of its process's folder. */
-export function portsWithProjects(ports, projects, groups) {
-  const projectOf = projectLookup(projects);
-  return ports.map((entry) => {
-    const holder = entry.process;
-    // The dashboard may live below a project's folder without being that project.
-    if (!holder || holder.pid === process.pid) return { ...entry, project: null };
-    return { ...entry, project: groups.get(holder.group) ?? projectOf(holder.folder) };
-  });
-}
 
 function describeRun(run) {
   if (!run) return null;
@@ -32,19 +11,24 @@ function describeRun(run) {
 
 function join(dashboard) {
   const projects = dashboard.finder.projects();
-  const ports = portsWithProjects(dashboard.ports.ports, projects, dashboard.runner.groups());
+  const projectOf = projectLookup(projects);
+  const containers = containersWithProjects(dashboard.services.value.docker.containers, projectOf);
+  const ports = portsWithProjects(dashboard.ports.ports, { projectOf, groups: dashboard.runner.groups(), containers });
+  const composed = composedAndRunning(projects, containers);
   const portsOf = new Map();
-  for (const { port, project } of ports) {
-    if (project) portsOf.set(project, (portsOf.get(project) ?? new Set()).add(port));
+  for (const { port, project, container } of ports) {
+    // A database in a container belongs to a web application, and yet does not make it run.
+    if (!project || (container && !composed.has(project))) continue;
+    portsOf.set(project, (portsOf.get(project) ?? new Set()).add(port));
   }
   const joined = projects.map((project) => {
     const own = [...(portsOf.get(project.path) ?? [])].sort((one, other) => one - other);
     const appRunning = dashboard.runner.isRunning(project.path);
-    return { project, ports: own, appRunning, running: appRunning || own.length > 0 };
+    return { project, ports: own, appRunning, running: appRunning || own.length > 0 || composed.has(project.path) };
   });
   joined.sort((one, other) => collator.compare(one.project.name, other.project.name)
     || collator.compare(one.project.path, other.project.path));
-  return { joined, ports };
+  return { joined, ports, containers };
 }
 
 function statsOf(dashboard, joined) {
@@ -92,21 +76,23 @@ function userName(uid) {
   return userNames.get(uid) ?? `user ${uid}`;
 }
 
-function describePort({ port, addresses, uid, process: holder, project }) {
+function describePort({ port, addresses, uid, process: holder, project, container }) {
   return {
     port,
     addresses,
     user: userName(uid),
     own: uid === undefined ? Boolean(holder) : uid === process.getuid(),
     process: holder ? { pid: holder.pid, name: holder.name, command: holder.command.slice(0, 300) } : null,
+    container: container ? { name: container.name, image: container.image } : null,
     project,
   };
 }
 
 /** Everything that the page shows. */
 export function overviewOf(dashboard) {
-  const { joined, ports } = join(dashboard);
-  const { settings, finder, runner, services } = dashboard;
+  const { joined, ports, containers } = join(dashboard);
+  const { settings, finder, runner } = dashboard;
+  const services = dashboard.services.value;
   return {
     revision: dashboard.revision,
     ready: finder.ready,
@@ -133,7 +119,7 @@ export function overviewOf(dashboard) {
       };
     }),
     ports: ports.map(describePort),
-    services: services.value,
+    services: { ...services, docker: { ...services.docker, containers } },
     stats: statsOf(dashboard, joined),
   };
 }

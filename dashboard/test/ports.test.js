@@ -6,7 +6,6 @@ import { test } from 'node:test';
 import { parseLsof, parseNetstat } from '../lib/ports/darwin.js';
 import { parseListening, parseStat } from '../lib/ports/linux.js';
 import { PortWatcher } from '../lib/ports/port-watcher.js';
-import { portsWithProjects } from '../lib/views.js';
 import { makeHome } from './support/machine.js';
 
 const HEAD = '  sl  local_address rem_address   st tx_queue rx_queue tr tm->when retrnsmt   uid  timeout inode\n';
@@ -31,7 +30,7 @@ test('addresses of the sixth version are written in their shortest form', () => 
 });
 
 test('a process name with brackets and blanks does not confuse its group', () => {
-  assert.deepEqual(parseStat('12 (a) b) (c) S 34 56 78 0 -1'), { parent: 34, group: 56 });
+  assert.deepEqual(parseStat('12 (a) b) (c) S 34 56 78 0 -1'), { state: 'S', parent: 34, group: 56 });
 });
 
 test('the tools of macOS are understood', () => {
@@ -109,16 +108,4 @@ test('one server on several addresses is one port', async (t) => {
   const entries = watcher.ports.filter((entry) => entry.port === port);
   assert.equal(entries.length, 1);
   assert.deepEqual(entries[0].addresses.sort(), ['127.0.0.1', '127.0.0.2']);
-});
-
-test('a port belongs to the run that opened it, else to the innermost project above its folder', () => {
-  const projects = [{ path: '/p', realPath: '/p' }, { path: '/p/web', realPath: '/p/web' }, { path: '/l/x', realPath: '/r/x' }];
-  const projectOf = (process, groups = new Map()) => portsWithProjects([{ port: 1, process }], projects, groups)[0].project;
-  assert.equal(projectOf({ pid: 9, group: 9, folder: '/p/web/src' }), '/p/web');
-  assert.equal(projectOf({ pid: 9, group: 9, folder: '/p' }), '/p');
-  assert.equal(projectOf({ pid: 9, group: 9, folder: '/r/x' }), '/l/x');
-  assert.equal(projectOf({ pid: 9, group: 9, folder: '/pp' }), null);
-  assert.equal(projectOf({ pid: 9, group: 7, folder: '/' }, new Map([[7, '/p']])), '/p');
-  assert.equal(projectOf({ pid: process.pid, group: 9, folder: '/p' }), null);
-  assert.equal(projectOf(null), null);
 });

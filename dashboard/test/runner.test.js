@@ -120,6 +120,20 @@ test('what a command leaves behind in its group ends after it', async (t) => {
   await eventually(() => !isAlive(left), { what: 'what was left behind to end' });
 });
 
+test('a project has not ended before the last of its group has', async (t) => {
+  const { folder, runner } = await makeRunner(t);
+  await runner.start(folder, `(trap '' TERM; echo deaf; while :; do sleep 0.05; done) & wait`);
+  await printed(runner, folder, '\ndeaf');
+  const { pid } = runner.run(folder);
+  const stopped = runner.stop(folder, 1000);
+  await eventually(() => !isAlive(pid), { what: 'the command itself to end' });
+  assert.equal(runner.isRunning(folder), true);
+  await assert.rejects(runner.start(folder, 'true'), { status: 409 });
+  await stopped;
+  assert.equal(runner.isRunning(folder), false);
+  assert.ok(runner.logText(folder).includes('Did not end when asked; forced.'));
+});
+
 test('a flood of output is kept in bounds, in memory and in the file', async (t) => {
   const { folder, runner } = await makeRunner(t);
   await runner.start(folder, "head -c 12000000 /dev/zero | tr '\\0' 'x' | fold -w 99; echo; echo the end");

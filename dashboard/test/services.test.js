@@ -1,6 +1,5 @@
 import assert from 'node:assert/strict';
 import { EventEmitter, once } from 'node:events';
-import { createServer as createHttpServer } from 'node:http';
 import { createServer } from 'node:net';
 import { join } from 'node:path';
 import { test } from 'node:test';
@@ -8,22 +7,8 @@ import { dockerSockets, probeDocker } from '../lib/services/docker.js';
 import { postgresSockets, postgresVersion, probePostgres } from '../lib/services/postgres.js';
 import { probeRedis } from '../lib/services/redis.js';
 import { Services } from '../lib/services/services.js';
+import { fakeEngine, listen } from './support/engine.js';
 import { makeHome, writeTree } from './support/machine.js';
-
-async function listen(t, server, where = { port: 0, host: '127.0.0.1' }) {
-  server.listen(where);
-  await once(server, 'listening');
-  const sockets = new Set();
-  server.on('connection', (socket) => {
-    sockets.add(socket);
-    socket.on('error', () => {});
-  });
-  t.after(() => {
-    server.close();
-    for (const socket of sockets) socket.destroy();
-  });
-  return where.path ? { path: where.path } : { host: '127.0.0.1', port: server.address().port };
-}
 
 const answering = (reply) => createServer((socket) => socket.once('data', (bytes) => socket.write(reply(bytes))));
 const silent = () => createServer(() => {});
@@ -85,27 +70,8 @@ const CONTAINERS = [
   { Id: 'a'.repeat(64), Names: ['/old'], Image: 'redis:7', State: 'exited', Status: 'Exited (0)', Ports: [], Labels: {} },
 ];
 
-/** A container engine as far as the dashboard knows one; `events` tells its listeners of a change. */
-async function fakeEngine(t, home, { containers = CONTAINERS, status = 200, hang = false } = {}) {
-  const engine = { containers, listeners: new Set(), path: join(home, 'docker.sock') };
-  const server = createHttpServer((request, response) => {
-    if (hang) return;
-    const { pathname } = new URL(request.url, 'http://engine');
-    response.writeHead(status, { 'Content-Type': 'application/json' });
-    if (pathname === '/version') response.end('{"Version":"27.1"}');
-    else if (pathname === '/containers/json') response.end(JSON.stringify(engine.containers));
-    else if (pathname === '/events') {
-      response.flushHeaders();
-      engine.listeners.add(response);
-    } else response.end('{}');
-  });
-  await listen(t, server, { path: engine.path });
-  engine.tell = () => engine.listeners.forEach((listener) => listener.write('{"Action":"start"}\n'));
-  return engine;
-}
-
 test('containers are described by what the engine says', async (t) => {
-  const engine = await fakeEngine(t, await makeHome(t));
+  const engine = await fakeEngine(t, await makeHome(t), { containers: CONTAINERS });
   const found = await probeDocker([engine.path]);
   assert.equal(found.available, true);
   assert.equal(found.version, '27.1');

@@ -8,7 +8,7 @@
 namespace harbrook::cocoa {
 
 class Application final : public harbrook::Application {
-  public:
+public:
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
     void run() override;
@@ -18,7 +18,7 @@ class Application final : public harbrook::Application {
     void terminate() override;
     std::shared_ptr<const Event> currentEvent() override;
 
-  private:
+private:
     NSApplication* application_ = [NSApplication sharedApplication];
     // The application holds its delegate weakly.
     HarbrookApplicationDelegate* delegate_ = nil;

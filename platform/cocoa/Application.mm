@@ -30,8 +30,7 @@ void Application::setMainMenu(const Menu& menu) {
 
 void Application::orderFrontStandardAboutPanelWithOptions(const AboutPanelOptions& options) {
     NSMutableDictionary* const dictionary = [NSMutableDictionary dictionary];
-    if (options.credits)
-        dictionary[NSAboutPanelOptionCredits] = toNSAttributedString(*options.credits);
+    if (options.credits) dictionary[NSAboutPanelOptionCredits] = toNSAttributedString(*options.credits);
     [application_ orderFrontStandardAboutPanelWithOptions:dictionary];
 }
 

@@ -18,14 +18,12 @@ std::string nameOf(SEL selector) {
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::ApplicationDelegate>)delegate {
-    if ((self = [super init]))
-        _delegate = std::move(delegate);
+    if ((self = [super init])) _delegate = std::move(delegate);
     return self;
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
-    if (const auto delegate = _delegate.lock())
-        delegate->applicationDidFinishLaunching();
+    if (const auto delegate = _delegate.lock()) delegate->applicationDidFinishLaunching();
 }
 
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows {
@@ -38,9 +36,13 @@ std::string nameOf(SEL selector) {
     return delegate && delegate->applicationShouldTerminateAfterLastWindowClosed();
 }
 
+// The window's frame is all that is restored, and it is kept elsewhere.
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)sender {
+    return YES;
+}
+
 - (void)applicationWillTerminate:(NSNotification*)notification {
-    if (const auto delegate = _delegate.lock())
-        delegate->applicationWillTerminate();
+    if (const auto delegate = _delegate.lock()) delegate->applicationWillTerminate();
 }
 
 // Menu actions. The core's table of actions decides which selectors there are; a selector that it knows is
@@ -56,8 +58,7 @@ std::string nameOf(SEL selector) {
 }
 
 - (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
-    if (![self coreRespondsToSelector:selector])
-        return [super methodSignatureForSelector:selector];
+    if (![self coreRespondsToSelector:selector]) return [super methodSignatureForSelector:selector];
     const bool takesSender = nameOf(selector).ends_with(':');
     return [NSMethodSignature signatureWithObjCTypes:takesSender ? "v@:@" : "v@:"];
 }
@@ -65,11 +66,9 @@ std::string nameOf(SEL selector) {
 - (void)forwardInvocation:(NSInvocation*)invocation {
     const auto delegate = _delegate.lock();
     const auto action = nameOf(invocation.selector);
-    if (!delegate || !delegate->respondsToSelector(action))
-        return [super forwardInvocation:invocation];
+    if (!delegate || !delegate->respondsToSelector(action)) return [super forwardInvocation:invocation];
     __unsafe_unretained id sender = nil;
-    if (action.ends_with(':'))
-        [invocation getArgument:&sender atIndex:2];
+    if (action.ends_with(':')) [invocation getArgument:&sender atIndex:2];
     const bool isItem = [sender isKindOfClass:[NSMenuItem class]];
     delegate->performSelector(action, isItem ? fromNSMenuItem(sender) : harbrook::MenuItem());
 }

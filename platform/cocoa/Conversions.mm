@@ -42,8 +42,7 @@ NSURL* fileURL(const std::filesystem::path& path) {
 }
 
 std::optional<std::filesystem::path> pathOf(NSURL* _Nullable url) {
-    if (!url)
-        return std::nullopt;
+    if (!url) return std::nullopt;
     return std::filesystem::path(fromNSString(url.path));
 }
 
@@ -60,21 +59,17 @@ Error fromNSError(NSError* error) {
 }
 
 std::optional<Error> optionalError(BOOL succeeded, NSError* _Nullable error) {
-    if (succeeded)
-        return std::nullopt;
+    if (succeeded) return std::nullopt;
     return error ? fromNSError(error) : Error{};
 }
 
 std::optional<Value> fromObject(id _Nullable object) {
-    if (!object || [object isKindOfClass:[NSNull class]])
-        return Value();
-    if ([object isKindOfClass:[NSString class]])
-        return Value(fromNSString(object));
+    if (!object || [object isKindOfClass:[NSNull class]]) return Value();
+    if ([object isKindOfClass:[NSString class]]) return Value(fromNSString(object));
     if ([object isKindOfClass:[NSNumber class]]) {
         NSNumber* const number = object;
         // A number keeps whether it was made from a boolean only in its class.
-        if ([number isKindOfClass:[@YES class]])
-            return Value(number.boolValue == YES);
+        if ([number isKindOfClass:[@YES class]]) return Value(number.boolValue == YES);
         return Value(number.doubleValue);
     }
     if ([object isKindOfClass:[NSArray class]]) {
@@ -84,18 +79,15 @@ std::optional<Value> fromObject(id _Nullable object) {
         }
         return Value(std::move(array));
     }
-    if ([object isKindOfClass:[NSDictionary class]])
-        return Value(fromNSDictionary(object));
+    if ([object isKindOfClass:[NSDictionary class]]) return Value(fromNSDictionary(object));
     return std::nullopt;
 }
 
 Value::Dictionary fromNSDictionary(NSDictionary* dictionary) {
     Value::Dictionary result;
     for (id key in dictionary) {
-        if (![key isKindOfClass:[NSString class]])
-            continue;
-        if (auto value = fromObject(dictionary[key]))
-            result.emplace(fromNSString(key), *std::move(value));
+        if (![key isKindOfClass:[NSString class]]) continue;
+        if (auto value = fromObject(dictionary[key])) result.emplace(fromNSString(key), *std::move(value));
     }
     return result;
 }
@@ -109,8 +101,7 @@ NSURLRequest* toNSURLRequest(const URLRequest& request) {
     for (const auto& [name, value] : request.headerFields) {
         [result setValue:toNSString(value) forHTTPHeaderField:toNSString(name)];
     }
-    if (request.httpBody)
-        result.HTTPBody = toNSData(*request.httpBody);
+    if (request.httpBody) result.HTTPBody = toNSData(*request.httpBody);
     return result;
 }
 

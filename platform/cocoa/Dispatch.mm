@@ -12,13 +12,13 @@ dispatch_time_t fromNow(double seconds) {
 
 void DispatchQueue::async(Block block) {
     dispatch_async(queue_, ^{
-      block();
+        block();
     });
 }
 
 void DispatchQueue::asyncAfter(double seconds, Block block) {
     dispatch_after(fromNow(seconds), queue_, ^{
-      block();
+        block();
     });
 }
 
@@ -34,7 +34,7 @@ Timer::Timer(double seconds, bool repeats, Block block)
     : timer_([NSTimer scheduledTimerWithTimeInterval:seconds
                                              repeats:repeats
                                                block:^(NSTimer*) {
-                                                 block();
+                                                   block();
                                                }]) {}
 
 Timer::~Timer() {

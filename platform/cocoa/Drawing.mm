@@ -1,13 +1,11 @@
 #include "platform/cocoa/Drawing.h"
 
+#include "platform/Overloaded.h"
 #include "platform/cocoa/Conversions.h"
 
 namespace harbrook::cocoa {
 
 namespace {
-
-template <typename... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
-template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 NSColor* fixedColor(SRGBColor color) {
     return [NSColor colorWithSRGBRed:color.red green:color.green blue:color.blue alpha:color.alpha];
@@ -23,23 +21,22 @@ NSAppearanceName toNSAppearanceName(AppearanceName name) {
 }
 
 class NativeAppearance final : public Appearance {
-  public:
+public:
     explicit NativeAppearance(NSAppearance* appearance) : appearance_(appearance) {}
 
-    std::optional<AppearanceName>
-    bestMatchFromAppearancesWithNames(const std::vector<AppearanceName>& names) const override {
+    std::optional<AppearanceName> bestMatchFromAppearancesWithNames(
+        const std::vector<AppearanceName>& names) const override {
         NSMutableArray<NSAppearanceName>* const candidates = [NSMutableArray arrayWithCapacity:names.size()];
         for (const auto name : names)
             [candidates addObject:toNSAppearanceName(name)];
         NSAppearanceName const best = [appearance_ bestMatchFromAppearancesWithNames:candidates];
         for (const auto name : names) {
-            if ([best isEqualToString:toNSAppearanceName(name)])
-                return name;
+            if ([best isEqualToString:toNSAppearanceName(name)]) return name;
         }
         return std::nullopt;
     }
 
-  private:
+private:
     NSAppearance* appearance_;
 };
 
@@ -47,7 +44,7 @@ NSColor* dynamicColor(const Color::DynamicProvider& provider) {
     const auto kept = provider;
     return [NSColor colorWithName:nil
                   dynamicProvider:^NSColor*(NSAppearance* appearance) {
-                    return fixedColor(kept(NativeAppearance(appearance)));
+                      return fixedColor(kept(NativeAppearance(appearance)));
                   }];
 }
 
@@ -79,13 +76,14 @@ NSBezierPath* toNSBezierPath(const BezierPath& path) {
 }
 
 void draw(const DrawingStep& step) {
-    std::visit(Overloaded{
-                   [](SetFillColor fill) { [fixedColor(fill.color) setFill]; },
-                   [](SetStrokeColor stroke) { [fixedColor(stroke.color) setStroke]; },
-                   [](const FillPath& fill) { [toNSBezierPath(fill.path) fill]; },
-                   [](const StrokePath& stroke) { [toNSBezierPath(stroke.path) stroke]; },
-               },
-               step);
+    std::visit(
+        Overloaded{
+            [](SetFillColor fill) { [fixedColor(fill.color) setFill]; },
+            [](SetStrokeColor stroke) { [fixedColor(stroke.color) setStroke]; },
+            [](const FillPath& fill) { [toNSBezierPath(fill.path) fill]; },
+            [](const StrokePath& stroke) { [toNSBezierPath(stroke.path) stroke]; },
+        },
+        step);
 }
 
 NSImage* drawnImage(NSSize size, const Drawing& drawing) {
@@ -93,21 +91,22 @@ NSImage* drawnImage(NSSize size, const Drawing& drawing) {
     return [NSImage imageWithSize:size
                           flipped:drawing.flipped
                    drawingHandler:^BOOL(NSRect) {
-                     for (const auto& step : steps)
-                         draw(step);
-                     return YES;
+                       for (const auto& step : steps)
+                           draw(step);
+                       return YES;
                    }];
 }
 
 } // namespace
 
 NSColor* toNSColor(const Color& color) {
-    return std::visit(Overloaded{
-                          [](SRGBColor fixed) { return fixedColor(fixed); },
-                          [](SystemColor system) { return systemColor(system); },
-                          [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
-                      },
-                      color.source());
+    return std::visit(
+        Overloaded{
+            [](SRGBColor fixed) { return fixedColor(fixed); },
+            [](SystemColor system) { return systemColor(system); },
+            [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
+        },
+        color.source());
 }
 
 NSFont* toNSFont(Font font) {
@@ -126,13 +125,14 @@ NSAttributedString* toNSAttributedString(const AttributedString& text) {
 
 NSImage* _Nullable toNSImage(const Image& image) {
     const auto size = NSMakeSize(image.size.width, image.size.height);
-    NSImage* const result = std::visit(Overloaded{
-                                           [&](const std::filesystem::path& path) {
-                                               return [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
-                                           },
-                                           [&](const Drawing& drawing) { return drawnImage(size, drawing); },
-                                       },
-                                       image.source);
+    NSImage* const result = std::visit(
+        Overloaded{
+            [&](const std::filesystem::path& path) {
+                return [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
+            },
+            [&](const Drawing& drawing) { return drawnImage(size, drawing); },
+        },
+        image.source);
     result.size = size;
     [result setTemplate:image.isTemplate];
     return result;

@@ -32,8 +32,8 @@ bool FileManager::isExecutableFileAtPath(const std::filesystem::path& path) {
            [manager() isExecutableFileAtPath:native];
 }
 
-std::optional<Error> FileManager::moveItemAtURL(const std::filesystem::path& source,
-                                                const std::filesystem::path& destination) {
+std::optional<Error> FileManager::moveItemAtURL(
+    const std::filesystem::path& source, const std::filesystem::path& destination) {
     NSError* error = nil;
     const BOOL moved = [manager() moveItemAtURL:fileURL(source) toURL:fileURL(destination) error:&error];
     return optionalError(moved, error);
@@ -56,8 +56,8 @@ bool FileManager::writeAtomically(std::string_view text, const std::filesystem::
     return [toNSData(text) writeToURL:fileURL(path) atomically:YES];
 }
 
-std::optional<std::filesystem::path> Bundle::URLForResource(std::string_view name, std::string_view extension,
-                                                            std::string_view subdirectory) {
+std::optional<std::filesystem::path> Bundle::URLForResource(
+    std::string_view name, std::string_view extension, std::string_view subdirectory) {
     return pathOf([NSBundle.mainBundle URLForResource:toNSString(name)
                                         withExtension:noneIfEmpty(extension)
                                          subdirectory:noneIfEmpty(subdirectory)]);

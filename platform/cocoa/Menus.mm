@@ -7,18 +7,15 @@ namespace harbrook::cocoa {
 namespace {
 
 id _Nullable toObject(const MenuItem::RepresentedObject& represented) {
-    if (const auto* number = std::get_if<std::int64_t>(&represented))
-        return @(*number);
-    if (const auto* text = std::get_if<std::string>(&represented))
-        return toNSString(*text);
+    if (const auto* number = std::get_if<std::int64_t>(&represented)) return @(*number);
+    if (const auto* text = std::get_if<std::string>(&represented)) return toNSString(*text);
     return nil;
 }
 
 MenuItem::RepresentedObject fromRepresentedObject(id _Nullable object) {
     if ([object isKindOfClass:[NSNumber class]])
         return std::int64_t{static_cast<NSNumber*>(object).longLongValue};
-    if ([object isKindOfClass:[NSString class]])
-        return fromNSString(object);
+    if ([object isKindOfClass:[NSString class]]) return fromNSString(object);
     return {};
 }
 
@@ -36,15 +33,13 @@ void takeRole(MenuRole role, NSMenu* menu) {
 }
 
 NSMenuItem* toNSMenuItem(const MenuItem& item) {
-    if (item.isSeparator)
-        return [NSMenuItem separatorItem];
+    if (item.isSeparator) return [NSMenuItem separatorItem];
     SEL const action = item.action.empty() ? nullptr : NSSelectorFromString(toNSString(item.action));
     NSMenuItem* const result = [[NSMenuItem alloc] initWithTitle:toNSString(item.title)
                                                           action:action
                                                    keyEquivalent:toNSString(item.keyEquivalent)];
     result.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
-    if (item.target == ActionTarget::delegate)
-        result.target = NSApp.delegate;
+    if (item.target == ActionTarget::delegate) result.target = NSApp.delegate;
     result.representedObject = toObject(item.representedObject);
     if (item.submenu) {
         NSMenu* const submenu = toNSMenu(*item.submenu);
@@ -66,8 +61,7 @@ NSMenu* toNSMenu(const Menu& menu) {
 MenuItem fromNSMenuItem(NSMenuItem* item) {
     MenuItem result;
     result.title = fromNSString(item.title);
-    if (item.action)
-        result.action = fromNSString(NSStringFromSelector(item.action));
+    if (item.action) result.action = fromNSString(NSStringFromSelector(item.action));
     result.representedObject = fromRepresentedObject(item.representedObject);
     return result;
 }

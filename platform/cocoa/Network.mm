@@ -7,35 +7,33 @@ namespace harbrook::cocoa {
 namespace {
 
 class DataTask final : public URLSessionDataTask {
-  public:
+public:
     explicit DataTask(NSURLSessionDataTask* task) : task_(task) {}
 
     void resume() override { [task_ resume]; }
 
-  private:
+private:
     NSURLSessionDataTask* task_;
 };
 
 std::optional<URLResponse> fromNSURLResponse(NSURLResponse* response) {
-    if (!response)
-        return std::nullopt;
-    if (![response isKindOfClass:[NSHTTPURLResponse class]])
-        return URLResponse{};
+    if (!response) return std::nullopt;
+    if (![response isKindOfClass:[NSHTTPURLResponse class]]) return URLResponse{};
     return URLResponse{static_cast<int>(static_cast<NSHTTPURLResponse*>(response).statusCode)};
 }
 
 } // namespace
 
-std::shared_ptr<URLSessionDataTask> URLSession::dataTaskWithRequest(URLRequest request,
-                                                                    CompletionHandler completionHandler) {
+std::shared_ptr<URLSessionDataTask> URLSession::dataTaskWithRequest(
+    URLRequest request, CompletionHandler completionHandler) {
     return std::make_shared<DataTask>([[NSURLSession sharedSession]
         dataTaskWithRequest:toNSURLRequest(request)
           completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
-            // A body that was cut short is no body.
-            const bool isComplete = data && !error;
-            completionHandler(isComplete ? std::optional(fromNSData(data)) : std::nullopt,
-                              fromNSURLResponse(response),
-                              error ? std::optional(fromNSError(error)) : std::nullopt);
+              // A body that was cut short is no body.
+              const bool isComplete = data && !error;
+              completionHandler(
+                  isComplete ? std::optional(fromNSData(data)) : std::nullopt, fromNSURLResponse(response),
+                  error ? std::optional(fromNSError(error)) : std::nullopt);
           }]);
 }
 

@@ -9,10 +9,10 @@ namespace harbrook::cocoa {
 namespace {
 
 class Token final : public ObserverToken {
-  public:
+public:
     explicit Token(id token) : token_(token) {}
 
-  private:
+private:
     [[maybe_unused]] id token_;
 };
 
@@ -39,41 +39,41 @@ NSNotificationName toNSNotificationName(NotificationName name) {
     }
 }
 
-std::shared_ptr<ObserverToken> addObserver(NotificationName name, id object, ObserverQueue queue,
-                                           std::function<void()> block) {
+std::shared_ptr<ObserverToken> addObserver(
+    NotificationName name, id object, ObserverQueue queue, std::function<void()> block) {
     NSOperationQueue* const native = queue == ObserverQueue::mainQueue ? NSOperationQueue.mainQueue : nil;
     return std::make_shared<Token>([[NSNotificationCenter defaultCenter]
         addObserverForName:toNSNotificationName(name)
                     object:object
                      queue:native
                 usingBlock:^(NSNotification*) {
-                  block();
+                    block();
                 }]);
 }
 
 } // namespace
 
-std::shared_ptr<ObserverToken>
-NotificationCenter::addObserverForName(NotificationName name, const std::shared_ptr<harbrook::View>& object,
-                                       ObserverQueue queue, std::function<void()> block) {
+std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
+    NotificationName name, const std::shared_ptr<harbrook::View>& object, ObserverQueue queue,
+    std::function<void()> block) {
     return addObserver(name, View::nativeOf(*object), queue, std::move(block));
 }
 
-std::shared_ptr<ObserverToken>
-NotificationCenter::addObserverForName(NotificationName name, const std::shared_ptr<harbrook::Window>& object,
-                                       ObserverQueue queue, std::function<void()> block) {
+std::shared_ptr<ObserverToken> NotificationCenter::addObserverForName(
+    NotificationName name, const std::shared_ptr<harbrook::Window>& object, ObserverQueue queue,
+    std::function<void()> block) {
     return addObserver(name, Window::nativeOf(*object), queue, std::move(block));
 }
 
-void DistributedNotificationCenter::addObserverForName(const std::string& name,
-                                                       std::function<void(const UserInfo&)> block) {
+void DistributedNotificationCenter::addObserverForName(
+    const std::string& name, std::function<void(const UserInfo&)> block) {
     [[NSDistributedNotificationCenter defaultCenter]
         addObserverForName:toNSString(name)
                     object:nil
                      queue:NSOperationQueue.mainQueue
                 usingBlock:^(NSNotification* notification) {
-                  NSDictionary* const userInfo = notification.userInfo;
-                  block(userInfo ? UserInfo(fromNSDictionary(userInfo)) : std::nullopt);
+                    NSDictionary* const userInfo = notification.userInfo;
+                    block(userInfo ? UserInfo(fromNSDictionary(userInfo)) : std::nullopt);
                 }];
 }
 

@@ -15,11 +15,11 @@ void Alert::addButtonWithTitle(const std::string& title) {
     [alert_ addButtonWithTitle:toNSString(title)];
 }
 
-void Alert::beginSheetModalForWindow(const std::shared_ptr<harbrook::Window>& window,
-                                     SheetCompletion completionHandler) {
+void Alert::beginSheetModalForWindow(
+    const std::shared_ptr<harbrook::Window>& window, SheetCompletion completionHandler) {
     [alert_ beginSheetModalForWindow:Window::nativeOf(*window)
                    completionHandler:^(NSModalResponse response) {
-                     completionHandler(response);
+                       completionHandler(response);
                    }];
 }
 
@@ -51,11 +51,11 @@ void OpenPanel::setDirectoryURL(const std::filesystem::path& directory) {
     panel_.directoryURL = fileURL(directory);
 }
 
-void OpenPanel::beginSheetModalForWindow(const std::shared_ptr<harbrook::Window>& window,
-                                         SheetCompletion completionHandler) {
+void OpenPanel::beginSheetModalForWindow(
+    const std::shared_ptr<harbrook::Window>& window, SheetCompletion completionHandler) {
     [panel_ beginSheetModalForWindow:Window::nativeOf(*window)
                    completionHandler:^(NSModalResponse response) {
-                     completionHandler(response);
+                       completionHandler(response);
                    }];
 }
 

@@ -53,23 +53,22 @@ std::shared_ptr<harbrook::FileHandle> Platform::fileHandleWithNullDevice() {
 
 std::uint8_t Platform::secureRandomByte() {
     std::uint8_t byte = 0;
-    if (SecRandomCopyBytes(kSecRandomDefault, sizeof byte, &byte) != 0)
-        std::abort();
+    if (SecRandomCopyBytes(kSecRandomDefault, sizeof byte, &byte) != 0) std::abort();
     return byte;
 }
 
-std::shared_ptr<harbrook::Timer> Platform::scheduledTimerWithTimeInterval(double seconds, bool repeats,
-                                                                          Block block) {
+std::shared_ptr<harbrook::Timer> Platform::scheduledTimerWithTimeInterval(
+    double seconds, bool repeats, Block block) {
     return std::make_shared<Timer>(seconds, repeats, std::move(block));
 }
 
-std::shared_ptr<harbrook::WebView> Platform::makeWebView(Rect frame,
-                                                         const WebViewConfiguration& configuration) {
+std::shared_ptr<harbrook::WebView> Platform::makeWebView(
+    Rect frame, const WebViewConfiguration& configuration) {
     return std::make_shared<WebView>(frame, configuration);
 }
 
-std::shared_ptr<harbrook::Window> Platform::makeWindow(Rect contentRect, std::uint32_t styleMask,
-                                                       BackingStore backing, bool defer) {
+std::shared_ptr<harbrook::Window> Platform::makeWindow(
+    Rect contentRect, std::uint32_t styleMask, BackingStore backing, bool defer) {
     return std::make_shared<Window>([[NSWindow alloc]
         initWithContentRect:toNSRect(contentRect)
                   styleMask:static_cast<NSWindowStyleMask>(styleMask)
@@ -95,8 +94,7 @@ std::shared_ptr<harbrook::OpenPanel> Platform::makeOpenPanel() {
 
 std::optional<Image> Platform::imageWithContentsOfURL(const std::filesystem::path& path) {
     NSImage* const image = [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
-    if (!image)
-        return std::nullopt;
+    if (!image) return std::nullopt;
     return Image{{image.size.width, image.size.height}, false, path};
 }
 
@@ -106,7 +104,7 @@ namespace harbrook {
 
 std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--version") {
-        std::puts("harbrook " HARBROOK_VERSION);
+        std::puts("Harbrook " HARBROOK_VERSION);
         std::exit(EXIT_SUCCESS);
     }
     return std::make_shared<cocoa::Platform>();

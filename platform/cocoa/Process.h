@@ -6,14 +6,14 @@
 namespace harbrook::cocoa {
 
 class ProcessInfo final : public harbrook::ProcessInfo {
-  public:
+public:
     Environment environment() override;
     int processIdentifier() override;
     std::filesystem::path loginShell() override { return "/bin/zsh"; }
 };
 
 class FileHandle final : public harbrook::FileHandle, public std::enable_shared_from_this<FileHandle> {
-  public:
+public:
     explicit FileHandle(NSFileHandle* handle) : handle_(handle) {}
 
     std::string availableData() override;
@@ -24,25 +24,25 @@ class FileHandle final : public harbrook::FileHandle, public std::enable_shared_
 
     [[nodiscard]] NSFileHandle* native() const { return handle_; }
 
-  private:
+private:
     NSFileHandle* handle_;
 };
 
 class Pipe final : public harbrook::Pipe {
-  public:
+public:
     std::shared_ptr<harbrook::FileHandle> fileHandleForReading() override { return reading_; }
     std::shared_ptr<harbrook::FileHandle> fileHandleForWriting() override { return writing_; }
 
     [[nodiscard]] NSPipe* native() const { return pipe_; }
 
-  private:
+private:
     NSPipe* pipe_ = [NSPipe pipe];
     std::shared_ptr<FileHandle> reading_ = std::make_shared<FileHandle>(pipe_.fileHandleForReading);
     std::shared_ptr<FileHandle> writing_ = std::make_shared<FileHandle>(pipe_.fileHandleForWriting);
 };
 
 class Task final : public harbrook::Task {
-  public:
+public:
     void setExecutableURL(std::filesystem::path executable) override;
     void setArguments(std::vector<std::string> arguments) override;
     void setCurrentDirectoryURL(std::filesystem::path directory) override;
@@ -55,7 +55,7 @@ class Task final : public harbrook::Task {
     void terminate() override;
     void waitUntilExit() override;
 
-  private:
+private:
     // It keeps the native pipes for as long as it lives.
     NSTask* task_ = [[NSTask alloc] init];
 };

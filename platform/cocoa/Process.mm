@@ -27,8 +27,7 @@ int ProcessInfo::processIdentifier() {
 std::string FileHandle::availableData() {
     NSData* const data = handle_.availableData;
     // At end of file the handler would be called again and again; this also lets go of what it holds.
-    if (data.length == 0)
-        handle_.readabilityHandler = nil;
+    if (data.length == 0) handle_.readabilityHandler = nil;
     return fromNSData(data);
 }
 
@@ -48,7 +47,7 @@ void FileHandle::setReadabilityHandler(ReadabilityHandler handler) {
     // The handler holds this object, and with it the native handle, until end of file.
     const auto self = shared_from_this();
     handle_.readabilityHandler = ^(NSFileHandle*) {
-      handler(*self);
+        handler(*self);
     };
 }
 

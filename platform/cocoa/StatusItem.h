@@ -10,19 +10,19 @@
 namespace harbrook::cocoa {
 
 class StatusBarButton final : public harbrook::StatusBarButton {
-  public:
+public:
     explicit StatusBarButton(NSStatusBarButton* button) : button_(button) {}
 
     void setTitle(const std::string& title) override;
     void setImage(const Image& image) override;
     void setImagePosition(ImagePosition position) override;
 
-  private:
+private:
     NSStatusBarButton* button_;
 };
 
 class StatusItem final : public harbrook::StatusItem {
-  public:
+public:
     explicit StatusItem(NSStatusItem* item) : item_(item) {}
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
@@ -31,14 +31,14 @@ class StatusItem final : public harbrook::StatusItem {
     std::shared_ptr<harbrook::StatusBarButton> button() override;
     void setMenu(const Menu& menu, std::weak_ptr<MenuDelegate> delegate) override;
 
-  private:
+private:
     NSStatusItem* item_;
     // The native menu holds its delegate weakly.
     HarbrookMenuDelegate* delegate_ = nil;
 };
 
 class StatusBar final : public harbrook::StatusBar {
-  public:
+public:
     std::shared_ptr<harbrook::StatusItem> statusItemWithLength(double length) override;
 };
 

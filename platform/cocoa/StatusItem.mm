@@ -13,14 +13,12 @@
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::MenuDelegate>)delegate {
-    if ((self = [super init]))
-        _delegate = std::move(delegate);
+    if ((self = [super init])) _delegate = std::move(delegate);
     return self;
 }
 
 - (void)menuWillOpen:(NSMenu*)menu {
-    if (const auto delegate = _delegate.lock())
-        delegate->menuWillOpen();
+    if (const auto delegate = _delegate.lock()) delegate->menuWillOpen();
 }
 
 @end

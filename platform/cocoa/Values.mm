@@ -13,7 +13,8 @@ namespace harbrook {
 
 namespace {
 
-template <typename Ours, typename Theirs> constexpr bool same(Ours ours, Theirs theirs) {
+template <typename Ours, typename Theirs>
+constexpr bool same(Ours ours, Theirs theirs) {
     return static_cast<long long>(ours) == static_cast<long long>(theirs);
 }
 

@@ -54,8 +54,7 @@ View::~View() {
 }
 
 std::shared_ptr<View> View::over(NSView* _Nullable view) {
-    if (!view)
-        return nullptr;
+    if (!view) return nullptr;
     const auto living = livingViews().find(keyOf(view));
     return living != livingViews().end() ? living->second->shared_from_this() : std::make_shared<View>(view);
 }

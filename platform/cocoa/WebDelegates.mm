@@ -29,8 +29,7 @@ bool isInterruption(NSError* error) {
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebNavigationDelegate>)delegate {
-    if ((self = [super init]))
-        _delegate = std::move(delegate);
+    if ((self = [super init])) _delegate = std::move(delegate);
     return self;
 }
 
@@ -39,8 +38,7 @@ bool isInterruption(NSError* error) {
                     decisionHandler:(void (^)(WKNavigationActionPolicy))decisionHandler {
     const auto delegate = _delegate.lock();
     // The web view insists on an answer.
-    if (!delegate)
-        return decisionHandler(WKNavigationActionPolicyCancel);
+    if (!delegate) return decisionHandler(WKNavigationActionPolicyCancel);
     delegate->decidePolicyForNavigationAction(
         fromWKNavigationAction(navigationAction), [&](harbrook::NavigationActionPolicy policy) {
             self->_lastDecisionWasCancel = policy == harbrook::NavigationActionPolicy::cancel;
@@ -51,20 +49,16 @@ bool isInterruption(NSError* error) {
 - (void)webView:(WKWebView*)webView
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
-    if (_lastDecisionWasCancel && isInterruption(error))
-        return;
-    if (const auto delegate = _delegate.lock())
-        delegate->didFailProvisionalNavigation(fromNSError(error));
+    if (_lastDecisionWasCancel && isInterruption(error)) return;
+    if (const auto delegate = _delegate.lock()) delegate->didFailProvisionalNavigation(fromNSError(error));
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
-    if (const auto delegate = _delegate.lock())
-        delegate->didFailNavigation(fromNSError(error));
+    if (const auto delegate = _delegate.lock()) delegate->didFailNavigation(fromNSError(error));
 }
 
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
-    if (const auto delegate = _delegate.lock())
-        delegate->didFailNavigation({"The page's process ended."});
+    if (const auto delegate = _delegate.lock()) delegate->didFailNavigation({"The page's process ended."});
 }
 
 @end
@@ -74,8 +68,7 @@ bool isInterruption(NSError* error) {
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebUIDelegate>)delegate {
-    if ((self = [super init]))
-        _delegate = std::move(delegate);
+    if ((self = [super init])) _delegate = std::move(delegate);
     return self;
 }
 
@@ -84,8 +77,7 @@ bool isInterruption(NSError* error) {
                forNavigationAction:(WKNavigationAction*)navigationAction
                     windowFeatures:(WKWindowFeatures*)windowFeatures {
     const auto delegate = _delegate.lock();
-    if (!delegate)
-        return nil;
+    if (!delegate) return nil;
     const auto view = delegate->createWebViewForNavigationAction(fromWKNavigationAction(navigationAction));
     return view ? static_cast<WKWebView*>(View::nativeOf(*view)) : nil;
 }
@@ -95,8 +87,7 @@ bool isInterruption(NSError* error) {
                       initiatedByFrame:(WKFrameInfo*)frame
                      completionHandler:(void (^)(void))completionHandler {
     const auto delegate = _delegate.lock();
-    if (!delegate)
-        return completionHandler();
+    if (!delegate) return completionHandler();
     delegate->runJavaScriptAlertPanelWithMessage(fromNSString(message), completionHandler);
 }
 
@@ -105,8 +96,7 @@ bool isInterruption(NSError* error) {
                         initiatedByFrame:(WKFrameInfo*)frame
                        completionHandler:(void (^)(BOOL))completionHandler {
     const auto delegate = _delegate.lock();
-    if (!delegate)
-        return completionHandler(NO);
+    if (!delegate) return completionHandler(NO);
     delegate->runJavaScriptConfirmPanelWithMessage(fromNSString(message), completionHandler);
 }
 
@@ -117,8 +107,7 @@ bool isInterruption(NSError* error) {
 }
 
 - (instancetype)initWithHandler:(std::weak_ptr<harbrook::ScriptMessageHandler>)handler {
-    if ((self = [super init]))
-        _handler = std::move(handler);
+    if ((self = [super init])) _handler = std::move(handler);
     return self;
 }
 
@@ -126,8 +115,7 @@ bool isInterruption(NSError* error) {
       didReceiveScriptMessage:(WKScriptMessage*)message {
     const auto handler = _handler.lock();
     auto body = fromObject(message.body);
-    if (!handler || !body)
-        return;
+    if (!handler || !body) return;
     handler->didReceiveScriptMessage({fromNSString(message.name), *std::move(body)});
 }
 

@@ -9,7 +9,7 @@
 namespace harbrook::cocoa {
 
 class WebView final : public View, public harbrook::WebView {
-  public:
+public:
     WebView(Rect frame, const WebViewConfiguration& configuration);
 
     void setNavigationDelegate(std::weak_ptr<WebNavigationDelegate> delegate) override;
@@ -21,7 +21,7 @@ class WebView final : public View, public harbrook::WebView {
     void reload() override;
     void evaluateJavaScript(const std::string& script, EvaluationHandler completionHandler) override;
 
-  private:
+private:
     explicit WebView(WKWebView* view) : View(view), view_(view) {}
 
     WKWebView* view_;

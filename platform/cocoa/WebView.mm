@@ -76,7 +76,7 @@ void WebView::evaluateJavaScript(const std::string& script, EvaluationHandler co
     }
     [view_ evaluateJavaScript:toNSString(script)
             completionHandler:^(id result, NSError* error) {
-              completionHandler(error ? std::nullopt : fromObject(result));
+                completionHandler(error ? std::nullopt : fromObject(result));
             }];
 }
 

@@ -7,6 +7,7 @@
 #include "platform/gtk/foundation/Task.h"
 #include "platform/gtk/foundation/Timer.h"
 #include "platform/gtk/status/Images.h"
+#include "platform/gtk/web/EngineLeftovers.h"
 #include "platform/gtk/web/WebView.h"
 #include "platform/gtk/window/Alert.h"
 #include "platform/gtk/window/Constraints.h"
@@ -20,8 +21,8 @@
 
 namespace harbrook::gtk {
 
-GtkPlatform::GtkPlatform(int argc, char** argv)
-    : application_(argc, argv), statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
+GtkPlatform::GtkPlatform(StartedBy startedBy)
+    : application_(startedBy), statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
 
 std::shared_ptr<DispatchSemaphore> GtkPlatform::makeSemaphore(int count) {
     return std::make_shared<Semaphore>(count);
@@ -57,7 +58,9 @@ std::shared_ptr<harbrook::Timer> GtkPlatform::scheduledTimerWithTimeInterval(
 
 std::shared_ptr<harbrook::WebView> GtkPlatform::makeWebView(
     Rect frame, const WebViewConfiguration& configuration) {
-    return gtk::makeWebView(notificationCenter_, frame, configuration);
+    globalQueue_.async([] { removeEngineLeftovers(g_get_user_runtime_dir()); });
+    return gtk::makeWebView(
+        notificationCenter_, frame, configuration, [this] { application_.firstPageDidAppear(); });
 }
 
 std::shared_ptr<harbrook::Window> GtkPlatform::makeWindow(
@@ -90,11 +93,11 @@ std::optional<Image> GtkPlatform::imageWithContentsOfURL(const std::filesystem::
 namespace harbrook {
 
 std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
-    gtk::answerCommandLine(argc, argv);
+    const auto startedBy = gtk::answerCommandLine(argc, argv);
     gtk::setUpProcess();
     // Workers may still be at their blocks while the process ends, and use the services: they are never
     // destroyed.
-    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(argc, argv).release();
+    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(startedBy).release();
     return {std::shared_ptr<void>(), &platform};
 }
 

@@ -22,7 +22,7 @@ namespace harbrook::gtk {
 /// context.
 class GtkPlatform final : public Platform {
 public:
-    GtkPlatform(int argc, char** argv);
+    explicit GtkPlatform(StartedBy startedBy);
 
     bool isMainThread() override { return std::this_thread::get_id() == mainThread_; }
     DispatchQueue& mainQueue() override { return mainQueue_; }

@@ -19,6 +19,11 @@ usage() {
     exit "${1:-0}"
 }
 
+# Homebrew keeps its ICU where no compiler looks by itself, because macOS has an older one of its own.
+if on_macos && icu=$(brew --prefix icu4c 2>/dev/null); then
+    export ICU_ROOT=$icu PKG_CONFIG_PATH=$icu/lib/pkgconfig${PKG_CONFIG_PATH:+:$PKG_CONFIG_PATH}
+fi
+
 # One clone profits from what another has compiled.
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=true
 

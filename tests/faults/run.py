@@ -2,13 +2,16 @@
 """Puts the installed program through every fault of the matrix, and prints the table of what was counted."""
 
 import argparse
+import multiprocessing
 import sys
 import tempfile
+from concurrent.futures import ProcessPoolExecutor, as_completed
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "linux"))
 
+import report  # noqa: E402
 import table  # noqa: E402
 from matrix import FAULTS, try_fault  # noqa: E402
 
@@ -21,39 +24,67 @@ def arguments():
     parser.add_argument("--quick", action="store_true", help="only the half that takes a few minutes")
     parser.add_argument("--list", action="store_true", help="name the faults and end")
     parser.add_argument("--rounds", type=int, help="that many rounds of each")
+    parser.add_argument("--jobs", type=int, default=1, help="so many faults at the same time; 1 by default")
+    parser.add_argument("--write", type=Path, metavar="FILE", help="put the rows into the table in that document, too")
     parser.add_argument("names", nargs="*", metavar="NAME", help="faults whose name contains it; all by default")
     return parser.parse_args()
 
 
 def chosen(given):
-    """The faults that were asked for, each with its number of rounds."""
-    found = []
+    """The names of the faults that were asked for, each with its number of rounds."""
+    found = {}
     for fault in FAULTS.values():
         rounds = given.rounds or (fault.quick if given.quick else fault.whole)
         if rounds and (not given.names or any(name in fault.name for name in given.names)):
-            found.append((fault, rounds))
+            found[fault.name] = rounds
     return found
+
+
+def try_named(name, rounds, folder):
+    return try_fault(FAULTS[name], rounds, Path(folder))
+
+
+def try_all(faults, jobs):
+    """The name and the counts of each fault, as soon as it has been tried; each has a process of its own."""
+    processes = multiprocessing.get_context("spawn")
+    with (
+        tempfile.TemporaryDirectory(prefix="hb-faults-") as folder,
+        ProcessPoolExecutor(jobs, processes, max_tasks_per_child=1) as pool,
+    ):
+        tried = {
+            pool.submit(try_named, name, rounds, f"{folder}/{number}"): name
+            for number, (name, rounds) in enumerate(faults.items())
+        }
+        for outcome in as_completed(tried):
+            yield tried[outcome], outcome.result()
+
+
+def tell(name, counts):
+    print(f"{name}: {counts.outcome} ({counts.seconds:.0f} s)", flush=True)
+    for failure in counts.failures[:20]:
+        print(f"    {failure}", flush=True)
 
 
 def main():
     given = arguments()
     faults = chosen(given)
     if given.list:
-        for fault, rounds in faults:
-            print(f"{fault.name} ({rounds})")
+        for name, rounds in faults.items():
+            print(f"{name} ({rounds})")
         return 0
-    rows, failed = [], 0
-    with tempfile.TemporaryDirectory(prefix="hb-faults-") as folder:
-        for number, (fault, rounds) in enumerate(faults):
-            counts = try_fault(fault, rounds, Path(folder) / str(number))
-            rows.append(table.row(fault.name, counts))
-            failed += not counts.holds
-            print(f"{fault.name}: {'holds' if counts.holds else 'DOES NOT HOLD'} ({counts.seconds:.0f} s)", flush=True)
-            for failure in counts.failures[:20]:
-                print(f"    {failure}", flush=True)
+    tried = {}
+    for name, counts in try_all(faults, given.jobs):
+        tried[name] = counts
+        tell(name, counts)
+    rows = {name: table.row(name, tried[name]) for name in faults}
     print()
-    print(table.table(rows))
-    print(f"\n{len(rows) - failed} passed, {failed} failed")
+    print(table.table(rows.values()))
+    if given.write:
+        report.write(given.write, rows, list(FAULTS))
+    failed = sum(bool(counts.failures) for counts in tried.values())
+    not_tried = sum(counts.not_tried is not None for counts in tried.values())
+    left_out = f", {not_tried} not tried" if not_tried else ""
+    print(f"\n{len(rows) - failed - not_tried} passed, {failed} failed{left_out}")
     return 1 if failed or not rows else 0
 
 

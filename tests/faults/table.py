@@ -29,18 +29,18 @@ def row(name, counts):
         _cell(counts.threads),
         _cell(None if counts.memory is None else max(0, counts.memory), " KiB"),
         _cell(None if counts.slowest is None else round(counts.slowest * 1000), " ms"),
-        "yes" if counts.holds else "NO",
+        "NO" if counts.failures else "yes" if counts.holds else "not tried",
     )
 
 
-def table(rows):
+def table(rows, headings=HEADINGS):
     """A table in Markdown whose columns are also aligned for a terminal."""
-    lines = [HEADINGS, *rows]
-    widths = [max(len(line[column]) for line in lines) for column in range(len(HEADINGS))]
+    lines = [headings, *rows]
+    widths = [max(len(line[column]) for line in lines) for column in range(len(headings))]
 
     def text(line):
         cells = [line[0].ljust(widths[0]), *(cell.rjust(width) for cell, width in zip(line[1:], widths[1:]))]
         return "| " + " | ".join(cells) + " |"
 
     rule = "|" + "|".join("-" * (width + 1) + ("-" if not column else ":") for column, width in enumerate(widths)) + "|"
-    return "\n".join([text(HEADINGS), rule, *map(text, rows)])
+    return "\n".join([text(headings), rule, *map(text, lines[1:])])

@@ -49,21 +49,23 @@ def _open(pid):
             pass  # closed since
 
 
-def waited_for_processor(pid):
-    """Seconds that the main thread could have run but had no processor; see proc(5) on schedstat."""
-    return int(Path(f"/proc/{pid}/task/{pid}/schedstat").read_text().split()[1]) / 1e9
+def waited_for_processor(pid, thread=None):
+    """Seconds that the thread (the main one) could have run but had no processor; see proc(5) on schedstat."""
+    return int(Path(f"/proc/{pid}/task/{thread or pid}/schedstat").read_text().split()[1]) / 1e9
 
 
 class Pulse:
     """Asks a window again and again whether its program is alive, as a window manager does (_NET_WM_PING).
 
     The answer comes from the program's main loop. What is kept of each is the time in seconds that it took, without
-    the time in which the program's main thread had no processor: that is the machine's, not the program's.
+    the time in which the program's main thread, the messenger (the X server, by its process id) or the one who asks
+    had no processor: that is the machine's, not the program's.
     """
 
-    def __init__(self, display, window, pid):
+    def __init__(self, display, window, pid, messenger=None):
         self.pid = pid
         self.answers = []
+        self._messenger = messenger
         self._window = window
         self._display = Display(display)
         self._root = self._display.screen().root
@@ -85,7 +87,7 @@ class Pulse:
                 return  # the program has ended: whether it should have is judged elsewhere
 
     def _ask(self, number):
-        begun, waited = time.monotonic(), waited_for_processor(self.pid)
+        begun, waited = time.monotonic(), self._waited()
         data = (32, [self._ping, number, self._window, 0, 0])
         target = self._display.create_resource_object("window", self._window)
         target.send_event(event.ClientMessage(window=target, client_type=self._protocols, data=data))
@@ -93,8 +95,13 @@ class Pulse:
         while time.monotonic() - begun < SILENCE:
             if self._answered(number):
                 taken = time.monotonic() - begun
-                return max(0.0, taken - (waited_for_processor(self.pid) - waited))
+                return max(0.0, taken - (self._waited() - waited))
         return SILENCE
+
+    def _waited(self):
+        own = waited_for_processor(os.getpid(), threading.get_native_id())
+        messenger = waited_for_processor(self._messenger) if self._messenger else 0.0
+        return own + messenger + waited_for_processor(self.pid)
 
     def _answered(self, number):
         """Waits a moment for events; whether the answer to that question is among them."""

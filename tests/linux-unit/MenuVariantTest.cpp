@@ -1,4 +1,5 @@
 #include "platform/gtk/status/MenuVariant.h"
+#include "platform/gtk/foundation/Mnemonic.h"
 
 #include "tests/linux-unit/MenuFixture.h"
 
@@ -24,9 +25,9 @@ MenuLayout layoutOf(const Menu& menu) {
 }
 
 TEST(MenuVariant, DoublesUnderscores) {
-    EXPECT_EQ(menuLabel("my_app__x"), "my__app____x");
-    EXPECT_EQ(menuLabel("Größe"), "Größe");
-    EXPECT_EQ(menuLabel(""), "");
+    EXPECT_EQ(labelWithoutMnemonic("my_app__x"), "my__app____x");
+    EXPECT_EQ(labelWithoutMnemonic("Größe"), "Größe");
+    EXPECT_EQ(labelWithoutMnemonic(""), "");
 }
 
 TEST(MenuVariant, HasTheRootShowItsRowsAsAMenu) {

@@ -6,6 +6,7 @@ import pytest
 from harness.desktop import Desktop
 from harness.server import Plan
 from harness.shell import REPOSITORY, STAGE, Shell
+from harness.tray import Watcher
 
 FLATPAK_MARK = Path("/.flatpak-info")
 
@@ -21,12 +22,17 @@ def pytest_sessionstart():
 def pytest_runtest_makereport(item, call):
     """A failed test shows what the program said and what the screen looked like."""
     report = (yield).get_result()
-    if not report.failed:
+    # At the teardown the desktop may be gone already.
+    if not report.failed or report.when == "teardown":
         return
     for number, shell in enumerate(item.funcargs.get("make_shell", lambda: None).__dict__.get("made", [])):
         report.sections.append((f"program {number}", shell.output[-10_000:]))
-        events = [server.names() for server in shell.switchboard.servers]
+        # Without the harness's own conversation with the page.
+        events = [[name for name in server.names() if name not in ("done", "result")] for server in shell.switchboard.servers]
         report.sections.append((f"servers {number}", "\n".join(map(str, events))))
+    # Afterwards the desktops are gone already.
+    if call.when == "teardown":
+        return
     for desktop in item.funcargs.get("make_desktop", lambda: None).__dict__.get("made", []):
         name = re.sub(r"[^\w-]+", "-", item.name)
         picture = REPOSITORY / "build" / "test-pictures" / f"{name}.png"
@@ -55,6 +61,20 @@ def make_desktop(shared_desktop):
     yield make
     for desktop in make.made[1:]:
         desktop.close()
+
+
+@pytest.fixture
+def desktop(make_desktop):
+    """A desktop of the test's own: what stands on its bus, a panel or a portal, is there for all programs on it."""
+    return make_desktop()
+
+
+@pytest.fixture
+def watcher(desktop):
+    """The watcher of a panel on that desktop; it has not come yet."""
+    watcher = Watcher(desktop)
+    yield watcher
+    watcher.close()
 
 
 @pytest.fixture

@@ -229,12 +229,6 @@ def test_a_cancelled_choice_is_not_mentioned_to_the_page(running):
 
 
 @pytest.fixture
-def desktop(make_desktop):
-    """Of its own: a portal is there for all programs of a session."""
-    return make_desktop()
-
-
-@pytest.fixture
 def make_portal(desktop):
     portals = []
 

@@ -1,12 +1,13 @@
 """Quitting, and being killed."""
 
+import os
 import signal
 import time
 
 import pytest
 
 from harness.processes import is_alive
-from harness.server import READY, Plan, end_slowly, ignore, serve
+from harness.server import READY, Plan, end_slowly, ignore, last_words, serve
 from harness.waiting import stays
 
 
@@ -41,6 +42,23 @@ def test_the_program_waits_for_a_server_that_ignores_the_request(make_shell):
     shell.server.do({"do": "exit"})
     assert shell.wait() == 0
     shell.wait_until_ended()
+
+
+def test_the_log_holds_what_the_server_prints_last(make_shell):
+    words = "".join(f"last word {number}\n" for number in range(50_000))
+    shell = make_shell(Plan([*READY, last_words(words)]))
+    shell.start()
+    shell.server.wait_for_page()
+    shell.quit()
+    assert shell.log.read_text() == f"HARBROOK_PORT {shell.server.port}\n{words}"
+
+
+def test_a_server_that_is_stopped_is_ended_too(running):
+    os.kill(running.server.pid, signal.SIGSTOP)
+    running.signal()
+    assert running.wait() == 0
+    assert [event["name"] for event in running.server.all("signal")] == ["SIGTERM"]
+    running.wait_until_ended()
 
 
 def test_a_server_that_never_announced_itself_is_ended_too(make_shell):

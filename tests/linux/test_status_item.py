@@ -16,19 +16,6 @@ def plan(*projects, **counts):
     return Plan(answers={"/api/state": {"body": json.dumps(state(*projects, **counts))}})
 
 
-@pytest.fixture
-def desktop(make_desktop):
-    """One of its own: a watcher on the shared one would hear of other tests' items."""
-    return make_desktop()
-
-
-@pytest.fixture
-def watcher(desktop):
-    watcher = Watcher(desktop)
-    yield watcher
-    watcher.close()
-
-
 def answer(shell, *projects, **counts):
     shell.server.answer("/api/state", body=json.dumps(state(*projects, **counts)))
 

@@ -8,7 +8,7 @@ import pytest
 from gi.repository import GLib
 
 from harness.server import Plan
-from harness.tray import Watcher, project, state
+from harness.tray import project, state
 from harness.waiting import stays, wait_until
 
 OPEN = "Open Harbrook [Control+o]"
@@ -25,14 +25,9 @@ def answered(*projects, **counts):
 
 
 @pytest.fixture
-def desktop(make_desktop):
-    return make_desktop()
-
-
-@pytest.fixture
-def started(make_shell, desktop):
+def started(make_shell, desktop, watcher):
     """Starts a shell whose server answers with these projects; gives it and its menu in the panel."""
-    watcher = Watcher(desktop).arrive()
+    watcher.arrive()
 
     def start(*projects, **counts):
         shell = make_shell(Plan(answers={"/api/state": answered(*projects, **counts)}), desktop=desktop)
@@ -42,8 +37,7 @@ def started(make_shell, desktop):
         menu.wait_for_outline(lambda rows: "(Server not reachable)" not in rows)
         return shell, menu
 
-    yield start
-    watcher.close()
+    return start
 
 
 def change(shell, *projects, **counts):
@@ -58,12 +52,11 @@ def wait_for_polls(shell, count):
 # Layouts
 
 
-def test_the_layout_while_the_server_is_not_reachable(make_shell, desktop):
-    watcher = Watcher(desktop).arrive()
+def test_the_layout_while_the_server_is_not_reachable(make_shell, desktop, watcher):
+    watcher.arrive()
     make_shell(Plan(steps=[]), desktop=desktop).start()
     menu = watcher.item().menu
     menu.wait_for_outline(lambda rows: rows == [OPEN, "-", "(Server not reachable)", "-", QUIT])
-    watcher.close()
 
 
 def test_the_layout_with_nothing_to_list(started):
@@ -363,8 +356,8 @@ def test_a_host_that_asks_by_single_calls_gets_the_new_menu_by_the_answer(starte
     wait_until("the other hosts hear of it", lambda: [member for member, _, _ in heard] == ["LayoutUpdated"])
 
 
-def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop):
-    watcher = Watcher(desktop).arrive()
+def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop, watcher):
+    watcher.arrive()
     shell = make_shell(Plan(answers={"/api/state": answered(SHOP)}), desktop=desktop)
     shell.start()
     menu = watcher.item().menu
@@ -374,7 +367,6 @@ def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop):
     wait_for_polls(shell, 2)
     watcher.leave()
     menu.wait_for_outline(lambda rows: ("blog   ", ["Show in Harbrook"]) in rows)
-    watcher.close()
 
 
 # Size

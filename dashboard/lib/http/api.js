@@ -9,15 +9,11 @@ function settingsOf({ settings, finder }) {
   };
 }
 
-function sendBytes(response, bytes) {
-  sendJson(response, bytes);
-}
-
 /** The API: for each address the methods it knows. A POST has its body read and checked to be an object already. */
 export function apiRoutes(dashboard) {
   return new Map([
-    ['/api/state', { GET: ({ response }) => sendBytes(response, dashboard.state) }],
-    ['/api/overview', { GET: ({ response }) => sendBytes(response, dashboard.overview) }],
+    ['/api/state', { GET: ({ response }) => sendJson(response, dashboard.state) }],
+    ['/api/overview', { GET: ({ response }) => sendJson(response, dashboard.overview) }],
     ['/api/about', { GET: ({ response }) => sendJson(response, about(dashboard)) }],
     ['/api/events', { GET: ({ response }) => streamEvents(dashboard, response) }],
     ['/api/settings', {

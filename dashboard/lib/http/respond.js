@@ -8,6 +8,7 @@ export class HttpError extends Error {
   }
 }
 
+/** Answers with `value`, or with bytes that are JSON already. */
 export function sendJson(response, value, status = 200) {
   const body = Buffer.isBuffer(value) ? value : Buffer.from(JSON.stringify(value));
   response.writeHead(status, {

@@ -1,4 +1,4 @@
-import { readFileSync } from 'node:fs';
+import { readdirSync, readFileSync } from 'node:fs';
 import { readdir, readFile, readlink } from 'node:fs/promises';
 import { setImmediate as nextTurn } from 'node:timers/promises';
 import { isAlive } from '../is-alive.js';
@@ -54,10 +54,16 @@ async function socketsOf(pid, inodes) {
   return links.filter((link) => link.startsWith('socket:[')).map((link) => link.slice(8, -1)).filter((inode) => inodes.has(inode));
 }
 
-/** The parent and the process group in the text of /proc/<pid>/stat; the name before them may hold anything. */
+/** State, parent and process group in the text of /proc/<pid>/stat; the name before them may hold anything. */
 export function parseStat(text) {
   const fields = text.slice(text.lastIndexOf(')') + 2).split(' ');
-  return { parent: Number(fields[1]), group: Number(fields[2]) };
+  return { state: fields[0], parent: Number(fields[1]), group: Number(fields[2]) };
+}
+
+/** Whether a process of the group lives. One that has ended and waits to be noticed by its parent does not. */
+export function groupLives(group) {
+  return readdirSync('/proc').filter((name) => /^\d+$/.test(name)).map((name) => parseStat(readAtOnce(`/proc/${name}/stat`)))
+    .some((process) => process.group === group && !'ZX'.includes(process.state));
 }
 
 async function describe(pid) {

@@ -1,12 +1,13 @@
 import { EventEmitter } from 'node:events';
 import { HttpError } from '../http/respond.js';
 import { diagnose } from './diagnose.js';
-import { signalGroup, spawnGroup } from './process-group.js';
+import { ProcessGroup } from './process-group.js';
 import { logFileFor, readLogEnd, RunLog } from './run-log.js';
 
 export const GRACE = 5000;
 const GRACE_AT_END = 2000;
 const FORCE_WAIT = 2000;
+const LAST_OUTPUT = 300;
 
 const wait = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
 
@@ -27,7 +28,10 @@ export class Runner extends EventEmitter {
     this.#directory = directory;
   }
 
-  /** The last run of a project: { pid, startedAt, stopping, ended, code, signal, command } or undefined. */
+  /**
+   * The last run of a project: { pid, startedAt, stopping, ended, code, signal, command } or undefined. It has ended when
+   * nothing of its process group is left.
+   */
   run(path) {
     return this.#runs.get(path);
   }
@@ -48,18 +52,19 @@ export class Runner extends EventEmitter {
     if (this.isRunning(path)) throw new HttpError(409, 'The project is running already.');
     const log = new RunLog(logFileFor(this.#directory, path));
     log.append(`$ ${command}\n`);
-    const child = spawnGroup(command, path);
-    const run = { pid: child.pid, command, log, startedAt: Date.now(), stopping: false, ended: false, code: null, signal: null };
+    const group = new ProcessGroup(command, path);
+    const { leader } = group;
+    const run = { group, pid: group.pid, command, log, startedAt: Date.now(), stopping: false, ended: false, code: null, signal: null };
     this.#runs.get(path)?.log.close();
     this.#runs.set(path, run);
-    for (const stream of [child.stdout, child.stderr]) this.#collect(stream, log);
+    for (const stream of [leader.stdout, leader.stderr]) this.#collect(stream, log);
     run.finished = new Promise((resolve) => {
-      child.once('exit', (code, signal) => this.#end(run, child, { code, signal }).then(resolve));
-      child.once('error', (error) => {
-        if (child.pid === undefined) this.#failed(run, error).then(resolve);
+      leader.once('exit', (code, signal) => this.#end(run, { code, signal }).then(resolve));
+      leader.once('error', (error) => {
+        if (group.pid === undefined) this.#failed(run, error).then(resolve);
       });
     });
-    if (child.pid === undefined) {
+    if (group.pid === undefined) {
       await run.finished;
       throw new HttpError(500, `The command could not be started: ${run.failure}`);
     }
@@ -69,10 +74,14 @@ export class Runner extends EventEmitter {
   #collect(stream, log) {
     stream.on('data', (chunk) => {
       const full = log.append(chunk);
-      if (!full) return;
+      // What was read before the pause still arrives.
+      if (!full || stream.isPaused()) return;
       stream.pause();
-      const resume = () => stream.resume();
-      full.once('drain', resume).once('close', resume);
+      const resume = () => {
+        full.off('drain', resume).off('close', resume);
+        stream.resume();
+      };
+      full.on('drain', resume).on('close', resume);
     });
     stream.on('error', () => {});
   }
@@ -83,16 +92,23 @@ export class Runner extends EventEmitter {
     this.emit('change');
   }
 
-  async #end(run, child, { code, signal }) {
-    // What the command left behind in its group goes with it; closing the pipe lets the group's watcher see to that.
-    signalGroup(run.pid, 'SIGTERM');
-    child.stdio[3]?.destroy();
+  async #end(run, { code, signal }) {
+    const { group, log } = run;
+    const { leader } = group;
+    const output = leader.stdout.closed && leader.stderr.closed ? null : new Promise((resolve) => leader.once('close', resolve));
+    // What the command has left behind in its group goes with it.
+    if (!run.stopping) group.signal('SIGTERM');
+    if (!(await group.isGone(GRACE))) {
+      group.signal('SIGKILL');
+      await group.isGone(FORCE_WAIT);
+    }
+    group.release();
     // The last output may still be in the pipes.
-    await Promise.race([new Promise((resolve) => child.once('close', resolve)), wait(300)]);
-    const hints = run.stopping || code === 0 ? [] : diagnose(run.log.text());
+    await Promise.race([output, wait(LAST_OUTPUT)]);
+    const hints = run.stopping || code === 0 ? [] : diagnose(log.text());
     Object.assign(run, { code, signal, hints, ended: true, endedAt: Date.now() });
-    run.log.append(`\n${outcome(run)}\n`);
-    run.log.close();
+    log.append(`\n${outcome(run)}\n`);
+    log.close();
     this.emit('change');
   }
 
@@ -103,12 +119,12 @@ export class Runner extends EventEmitter {
     if (!run.stopping) {
       run.stopping = true;
       this.emit('change');
-      signalGroup(run.pid, 'SIGTERM');
+      run.group.signal('SIGTERM');
     }
     await Promise.race([run.finished, wait(grace)]);
     if (run.ended) return;
     run.log.append('\nDid not end when asked; forced.\n');
-    signalGroup(run.pid, 'SIGKILL');
+    run.group.signal('SIGKILL');
     await Promise.race([run.finished, wait(FORCE_WAIT)]);
   }
 

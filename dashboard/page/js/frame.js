@@ -3,6 +3,7 @@ import { icon } from './icons.js';
 import { hashOfProject } from './route.js';
 import { actAsTitleBar } from './shell.js';
 import { store, update } from './store.js';
+import { amount } from './text.js';
 
 const PLACES = [
   ['home', '#/', 'Dashboard', 'home'],
@@ -65,7 +66,7 @@ export function header(route) {
 
 function place([view, hash, title, sign], current, badge) {
   return h('a', { key: view, class: 'place', href: hash, 'aria-current': view === current ? 'page' : null },
-    icon(sign), h('span', { class: 'place-name' }, title), badge > 0 && h('span', { class: 'badge' }, String(badge)));
+    icon(sign), h('span', { class: 'place-name' }, title), badge > 0 && h('span', { class: 'badge' }, amount(badge)));
 }
 
 export function sidebar(route) {

@@ -15,12 +15,16 @@ function follow(element, path) {
     element.textContent = content;
     if (atEnd) element.scrollTop = element.scrollHeight;
   };
+  const remark = (text) => {
+    element.textContent = text;
+    element.classList.add('remark');
+  };
   stream(`project/log?follow=1&path=${encodeURIComponent(path)}`, show, ended.signal)
     .then(() => {
-      if (content === '') element.textContent = 'Nothing has been printed yet. The output of the start command appears here.';
+      if (content === '') remark('Nothing has been printed yet. The output of the start command appears here.');
     })
     .catch((error) => {
-      if (error.name !== 'AbortError') element.textContent = `The output cannot be shown: ${error.message}`;
+      if (error.name !== 'AbortError') remark(`The output cannot be shown: ${error.message}`);
     });
   return () => ended.abort();
 }

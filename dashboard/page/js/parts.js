@@ -1,6 +1,7 @@
 import { busy, copyText, startProject, stopProject } from './actions.js';
 import { h } from './dom.js';
 import { icon } from './icons.js';
+import { shortPath } from './text.js';
 
 const GLYPHS = {
   'Node.js': ['JS', 'leaf'], TypeScript: ['TS', 'sky'], 'Next.js': ['Nx', 'stone'], Nuxt: ['Nu', 'leaf'], SvelteKit: ['Sv', 'clay'],
@@ -74,6 +75,22 @@ export function statusOf({ running, appRunning, run }) {
 export function status(project) {
   const { tone, text } = statusOf(project);
   return h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text);
+}
+
+/** A path that gives way in its middle when there is little room: its last part says most. */
+export function pathText(path, home) {
+  const shown = shortPath(path, home);
+  const cut = shown.lastIndexOf('/') + 1;
+  return h('span', { class: 'path', title: path },
+    h('span', { class: 'path-start' }, shown.slice(0, cut)), h('span', { class: 'path-end' }, shown.slice(cut)));
+}
+
+const CONTAINER_TONES = { running: 'good', restarting: 'wait', paused: 'wait', dead: 'bad' };
+
+/** How a container is doing, in colour and in these words. */
+export function containerStatus({ state }, words) {
+  return h('span', { class: `status ${CONTAINER_TONES[state] ?? 'off'}`, title: state },
+    h('span', { class: 'dot', 'aria-hidden': 'true' }), h('span', { class: 'clip' }, words));
 }
 
 export function copyable(text, shown = text) {

@@ -6,23 +6,29 @@ export function shortPath(path, home) {
 
 export const folderOf = (path) => path.slice(0, path.lastIndexOf('/')) || '/';
 
+// Numbers and times are written as the user's system writes them; the sentences around them are English.
+const numbers = new Intl.NumberFormat();
 const plurals = new Intl.PluralRules('en');
-const numbers = new Intl.NumberFormat('en');
+const lists = new Intl.ListFormat('en-GB');
+
+/** A number of things; not for ports and the like, which are names. */
+export const amount = (number) => numbers.format(number);
 
 /** "1 project", "2 projects". */
-export function count(number, noun) {
-  return `${numbers.format(number)} ${plurals.select(number) === 'one' ? noun : `${noun}s`}`;
+export function count(number, noun, plural = `${noun}s`) {
+  return `${amount(number)} ${plurals.select(number) === 'one' ? noun : plural}`;
 }
 
-const sameDay = new Intl.DateTimeFormat(undefined, { hour: '2-digit', minute: '2-digit' });
-const otherDay = new Intl.DateTimeFormat(undefined, { month: 'short', day: 'numeric', hour: '2-digit', minute: '2-digit' });
+const timeOfDay = new Intl.DateTimeFormat(undefined, { timeStyle: 'short' });
+const dateAndTime = new Intl.DateTimeFormat(undefined, { dateStyle: 'medium', timeStyle: 'short' });
 
-/** A time of day, with the date when it is not today. */
-export function clock(milliseconds) {
-  const time = new Date(milliseconds);
-  const isToday = time.toDateString() === new Date().toDateString();
-  return (isToday ? sameDay : otherDay).format(time);
-}
+const formatFor = (time) => (new Date(time).toDateString() === new Date().toDateString() ? timeOfDay : dateAndTime);
+
+/** A time of day, with the date when it is not today; both in milliseconds. */
+export const clock = (time) => formatFor(time).format(time);
+
+/** From one time to another, with what they have in common said once. */
+export const period = (from, to) => formatFor(from).formatRange(from, to);
 
 /** Text without the terminal's colour and cursor sequences. */
 export function plainOutput(text) {
@@ -30,6 +36,4 @@ export function plainOutput(text) {
 }
 
 /** "a, b and c". */
-export function listed(items) {
-  return items.length < 2 ? items.join('') : `${items.slice(0, -1).join(', ')} and ${items.at(-1)}`;
-}
+export const listed = (items) => lists.format(items);

@@ -1,6 +1,6 @@
 #include "platform/gtk/app/AboutPanel.h"
 
-#include "platform/gtk/app/Identity.h"
+#include "platform/gtk/foundation/Identity.h"
 #include "platform/gtk/window/TextStyle.h"
 
 namespace harbrook::gtk {

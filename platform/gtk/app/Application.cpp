@@ -2,9 +2,9 @@
 
 #include "platform/gtk/app/AboutPanel.h"
 #include "platform/gtk/app/EditingActions.h"
-#include "platform/gtk/app/Identity.h"
 #include "platform/gtk/bus/SessionBus.h"
 #include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/Identity.h"
 #include "platform/gtk/window/Window.h"
 
 #include <glib-unix.h>
@@ -25,12 +25,11 @@ void addOwnIcons() {
 
 } // namespace
 
-Application::Application(int /*argc*/, char** /*argv*/) {
+Application::Application(StartedBy startedBy) : awaitsMessage_(startedBy == StartedBy::bus) {
     // Window managers match a window with its launcher by this name.
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
-    keepEngineFromPortal();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
 
@@ -87,6 +86,7 @@ void Application::didStart() {
 void Application::didActivate() {
     // The first activation is the start itself.
     if (!std::exchange(hasActivated_, true)) return;
+    awaitsMessage_ = false;
     const auto delegate = delegate_.lock();
     if (!delegate) return;
     const bool hasVisibleWindows =
@@ -142,9 +142,23 @@ std::shared_ptr<const Event> Application::currentEvent() {
 void Application::sendAction(const MenuItem& item) {
     for (const auto& window : windows())
         window->dismissMenuBar();
+    const bool startedTheProgram = std::exchange(awaitsMessage_, false);
     if (item.target == ActionTarget::responderChain && performStandardAction(item.action)) return;
+    if (startedTheProgram && !hasPage_) {
+        launchAction_ = item;
+    } else {
+        performDelegateAction(item);
+    }
+}
+
+void Application::performDelegateAction(const MenuItem& item) {
     const auto delegate = delegate_.lock();
     if (delegate && delegate->respondsToSelector(item.action)) delegate->performSelector(item.action, item);
+}
+
+void Application::firstPageDidAppear() {
+    hasPage_ = true;
+    if (const auto item = std::exchange(launchAction_, std::nullopt)) performDelegateAction(*item);
 }
 
 bool Application::performStandardAction(std::string_view selector) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Application.h"
+#include "platform/gtk/app/CommandLine.h"
 #include "platform/gtk/app/MainMenu.h"
 #include "platform/gtk/bus/PortalBypass.h"
 #include "platform/gtk/foundation/SignalConnections.h"
@@ -22,7 +23,7 @@ class Application final : public harbrook::Application {
 public:
     /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
     /// before the process has other threads.
-    Application(int argc, char** argv);
+    explicit Application(StartedBy startedBy);
     ~Application() override;
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
@@ -36,8 +37,11 @@ public:
     std::shared_ptr<const Event> currentEvent() override;
 
     /// Performs the action of a chosen menu item: what the responder chain answers itself, or else the
-    /// delegate's method of that name.
+    /// delegate's method of that name. A message that the bus has started the program for may ask for a view:
+    /// that waits until there is a page.
     void sendAction(const MenuItem& item);
+    /// A page of the shell's is there for the first time.
+    void firstPageDidAppear();
 
     [[nodiscard]] GtkApplication* native() const { return application_.get(); }
     /// The main menu, or null before there is one.
@@ -52,6 +56,7 @@ private:
     void didActivate();
     void willEnd();
     bool performStandardAction(std::string_view selector);
+    void performDelegateAction(const MenuItem& item);
     [[nodiscard]] std::vector<std::shared_ptr<Window>> windows() const;
 
     GObjectPtr<GtkApplication> application_;
@@ -62,6 +67,11 @@ private:
     /// Only until the toolkit has started.
     std::optional<PortalBypass> portalBypass_;
     bool hasActivated_ = false;
+    /// The message that the bus has started the program for has not come yet.
+    bool awaitsMessage_;
+    bool hasPage_ = false;
+    /// What that message asked for before there was a page.
+    std::optional<MenuItem> launchAction_;
     std::vector<guint> terminationSignals_;
     SignalConnections connections_;
 };

@@ -22,14 +22,14 @@ using StringArray = std::unique_ptr<char*, FreeWith<g_strfreev>>;
 
 } // namespace
 
-void answerCommandLine(int argc, char** argv) {
+StartedBy answerCommandLine(int argc, char** argv) {
     gboolean version = FALSE;
     gboolean service = FALSE;
     const std::array entries{
         GOptionEntry{
             "version", 0, G_OPTION_FLAG_NONE, G_OPTION_ARG_NONE, &version, "Show the version and exit",
             nullptr},
-        // What a session bus adds when it starts the program itself; the application looks at it later.
+        // What the service file says, which the session bus starts the program by.
         GOptionEntry{
             "gapplication-service", 0, G_OPTION_FLAG_HIDDEN, G_OPTION_ARG_NONE, &service, nullptr, nullptr},
         GOptionEntry{},
@@ -53,6 +53,7 @@ void answerCommandLine(int argc, char** argv) {
         std::exit(EXIT_SUCCESS);
     }
     if (g_strv_length(list) > 1) refuse("it takes no arguments");
+    return service ? StartedBy::bus : StartedBy::user;
 }
 
 } // namespace harbrook::gtk

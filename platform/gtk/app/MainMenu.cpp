@@ -1,7 +1,10 @@
 #include "platform/gtk/app/MainMenu.h"
 
+#include "platform/gtk/foundation/Mnemonic.h"
+
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace harbrook::gtk {
@@ -27,15 +30,6 @@ std::string actionName(std::string_view selector) {
 }
 
 } // namespace
-
-std::string labelWithoutMnemonic(std::string_view title) {
-    std::string label;
-    for (const char character : title) {
-        if (character == '_') label += '_';
-        label += character;
-    }
-    return label;
-}
 
 std::string accelerator(const MenuItem& item) {
     if (item.keyEquivalent.empty()) return {};

@@ -9,7 +9,6 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace harbrook::gtk {
@@ -54,9 +53,6 @@ private:
     GObjectPtr<GMenu> bar_;
     SignalConnections connections_;
 };
-
-/// A menu title as the toolkit takes it, in which a lone underscore would mark a mnemonic.
-[[nodiscard]] std::string labelWithoutMnemonic(std::string_view title);
 
 /// A key equivalent as the toolkit writes it, or empty: Control stands for Command and Alt for Control.
 [[nodiscard]] std::string accelerator(const MenuItem& item);

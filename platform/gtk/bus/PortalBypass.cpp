@@ -1,12 +1,13 @@
 #include "platform/gtk/bus/PortalBypass.h"
 
+#include "platform/gtk/bus/Portal.h"
+
 #include <string_view>
 
 namespace harbrook::gtk {
 
 namespace {
 
-constexpr std::string_view portal = "org.freedesktop.portal.Desktop";
 /// A name that nobody owns, so that the bus refuses at once.
 constexpr auto nobody = "com.brackenforge.harbrook.Nobody";
 
@@ -17,7 +18,7 @@ std::string_view textOrEmpty(const char* text) {
 /// What to ask the bus instead, where it is asked to start the portal or to tell who the portal is; null for
 /// any other message.
 GVariant* otherBody(GDBusMessage* message) {
-    if (textOrEmpty(g_dbus_message_get_arg0(message)) != portal) return nullptr;
+    if (textOrEmpty(g_dbus_message_get_arg0(message)) != portal::name) return nullptr;
     const auto member = textOrEmpty(g_dbus_message_get_member(message));
     if (member == "StartServiceByName") return g_variant_new("(su)", nobody, 0U);
     if (member == "GetNameOwner") return g_variant_new("(s)", nobody);
@@ -45,12 +46,6 @@ PortalBypass::PortalBypass() {
 
 PortalBypass::~PortalBypass() {
     if (filter_) g_dbus_connection_remove_filter(bus_.get(), filter_);
-}
-
-void keepEngineFromPortal() {
-    constexpr gboolean unlessTheUserHas = FALSE;
-    g_setenv("GIO_USE_POWER_PROFILE_MONITOR", "dbus", unlessTheUserHas);
-    g_setenv("GIO_USE_NETWORK_MONITOR", "netlink", unlessTheUserHas);
 }
 
 } // namespace harbrook::gtk

@@ -24,10 +24,4 @@ private:
     guint filter_ = 0;
 };
 
-/// Keeps the processes of the web engine from waiting for the portal. Where they have to do with one (in
-/// their sandbox, or because the user has told programs to use it), GIO asks it for the power profile and the
-/// state of the network, synchronously, before the first page. Both have another source: the system bus and
-/// the kernel. What the user has set stays. Only while the process has a single thread.
-void keepEngineFromPortal();
-
 } // namespace harbrook::gtk

@@ -56,7 +56,10 @@ void ChildProcess::reapWhenExited() noexcept {
 
 void ChildProcess::terminate() {
     const std::lock_guard lock(mutex_);
-    if (state_ == State::running) kill(identifier_, SIGTERM);
+    if (state_ != State::running) return;
+    kill(identifier_, SIGTERM);
+    // One that is stopped takes the request only when it goes on. To any other this says nothing.
+    kill(identifier_, SIGCONT);
 }
 
 void ChildProcess::waitUntilExit() {

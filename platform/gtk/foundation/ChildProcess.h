@@ -35,7 +35,8 @@ public:
     /// Any thread.
     [[nodiscard]] static std::variant<std::shared_ptr<ChildProcess>, Error> launch(const LaunchPlan& plan);
 
-    /// Sends SIGTERM, unless the child has exited. Any thread.
+    /// Sends SIGTERM, and has a stopped child go on so that it takes it; unless the child has exited. Any
+    /// thread.
     void terminate();
     /// Blocks until the child has exited and been reaped. Any thread.
     void waitUntilExit();

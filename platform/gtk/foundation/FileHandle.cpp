@@ -1,9 +1,11 @@
 #include "platform/gtk/foundation/FileHandle.h"
 
+#include "platform/gtk/foundation/Clock.h"
 #include "platform/gtk/foundation/Thread.h"
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 
 #include <array>
 #include <cstdlib>
@@ -21,6 +23,9 @@ constexpr std::size_t readSize = std::size_t{128} * 1024;
 /// while the handler is at work.
 constexpr int watchedPipeSize = 1024 * 1024;
 
+/// A handler that takes longer than this for what a pipe holds is stuck, on a file system that hangs say.
+constexpr double handlerPatience = 2;
+
 } // namespace
 
 std::string_view FileHandle::readIntoBuffer() {
@@ -28,7 +33,10 @@ std::string_view FileHandle::readIntoBuffer() {
     for (;;) {
         const auto count =
             retryWhenInterrupted([this] { return read(descriptor(), buffer_.get(), readSize); });
-        if (count > 0) return {buffer_.get(), static_cast<std::size_t>(count)};
+        if (count > 0) {
+            taken_ += static_cast<std::size_t>(count);
+            return {buffer_.get(), static_cast<std::size_t>(count)};
+        }
         if (count < 0 && errno == EAGAIN) {
             waitUntilReadable();
             continue;
@@ -68,7 +76,12 @@ void FileHandle::setReadabilityHandler(ReadabilityHandler handler) {
     handler_ = std::make_shared<const ReadabilityHandler>(std::move(handler));
     if (std::exchange(serving_, true)) return;
     fcntl(descriptor(), F_SETPIPE_SZ, watchedPipeSize);
-    startThread("pipe reader", [self = shared_from_this()] { self->serveReadability(); });
+    try {
+        startThread("pipe reader", [self = shared_from_this()] { self->serveReadability(); });
+    } catch (const std::system_error&) {
+        handler_ = nullptr;
+        serving_ = false;
+    }
 }
 
 void FileHandle::serveReadability() noexcept {
@@ -77,18 +90,37 @@ void FileHandle::serveReadability() noexcept {
         const auto handler = handlerOrStop();
         if (!handler) return;
         (*handler)(*this);
-        if (!atEnd_) continue;
         const std::lock_guard lock(mutex_);
-        handler_ = nullptr;
-        serving_ = false;
-        return;
+        handling_ = false;
+        handled_ = taken_;
+        if (atEnd_) {
+            handler_ = nullptr;
+            serving_ = false;
+        }
+        callEnded_.notify_all();
+        if (atEnd_) return;
     }
 }
 
 std::shared_ptr<const FileHandle::ReadabilityHandler> FileHandle::handlerOrStop() {
     const std::lock_guard lock(mutex_);
-    serving_ = handler_ != nullptr;
+    serving_ = handling_ = handler_ != nullptr;
+    if (!serving_) callEnded_.notify_all();
     return handler_;
+}
+
+void FileHandle::waitUntilHandled() {
+    std::unique_lock lock(mutex_);
+    // What a call that is under way has read may have come out of the pipe before.
+    const std::size_t enough = handled_ + readableNow() + readSize;
+    callEnded_.wait_until(lock, momentAfter(handlerPatience), [&] {
+        return !serving_ || handled_ >= enough || (!handling_ && readableNow() == 0);
+    });
+}
+
+std::size_t FileHandle::readableNow() const {
+    int count = 0;
+    return ioctl(descriptor(), FIONREAD, &count) == 0 ? static_cast<std::size_t>(count) : 0;
 }
 
 void FileHandle::waitUntilReadable() const {
@@ -104,7 +136,10 @@ Pipe::Pipe() {
 }
 
 std::shared_ptr<FileHandle> openForWriting(const std::filesystem::path& path) {
-    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    // A FIFO that nobody reads is an error, as all that cannot be written to; without this it would be waited
+    // for.
+    FileDescriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (file) fcntl(file.number(), F_SETFL, 0);
     return file ? std::make_shared<FileHandle>(std::move(file)) : nullptr;
 }
 

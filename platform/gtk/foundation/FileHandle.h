@@ -4,6 +4,8 @@
 #include "platform/gtk/foundation/FileDescriptor.h"
 
 #include <atomic>
+#include <condition_variable>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 
@@ -19,8 +21,12 @@ public:
     void writeData(std::string_view data) override;
     void seekToEndOfFile() override;
     /// The handler has a thread of its own, which it may block. An empty handler ends the calls, once a call
-    /// that is due has been made.
+    /// that is due has been made. When the system has no thread left, the handler is never called.
     void setReadabilityHandler(ReadabilityHandler handler) override;
+
+    /// Blocks until the handler, if there is one, has dealt with all that can be read at this moment; what
+    /// comes later is not waited for, nor a handler that is stuck. Any thread but the handler's own.
+    void waitUntilHandled();
 
     /// -1 for none.
     [[nodiscard]] int descriptor() const { return descriptor_.number(); }
@@ -32,13 +38,20 @@ private:
     void serveReadability() noexcept;
     std::shared_ptr<const ReadabilityHandler> handlerOrStop();
     void waitUntilReadable() const;
+    [[nodiscard]] std::size_t readableNow() const;
 
     FileDescriptor descriptor_;
     std::unique_ptr<char[]> buffer_;
+    /// All bytes that have been read. Belongs to whoever reads.
+    std::size_t taken_ = 0;
     std::atomic<bool> atEnd_ = false;
     std::mutex mutex_;
     std::shared_ptr<const ReadabilityHandler> handler_;
     bool serving_ = false;
+    /// Whether a call of the handler is under way, and what all earlier ones have read.
+    bool handling_ = false;
+    std::size_t handled_ = 0;
+    std::condition_variable callEnded_;
 };
 
 class Pipe final : public harbrook::Pipe {

@@ -7,6 +7,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -39,7 +40,7 @@ public:
 
 private:
     /// Keeps an idle worker for each block that is ready, and one to watch the clock for delayed blocks. When
-    /// the system has no thread left, blocks wait for the workers there are.
+    /// the system has no thread left, blocks wait for the workers there are; the last one never retires.
     void staff() {
         const std::size_t wanted = ready_.size() + (delayed_.empty() ? 0 : 1);
         try {
@@ -67,11 +68,13 @@ private:
                 lock.lock();
                 ++idle_;
                 retirement = Clock::now() + idleLifetime;
-            } else if (Clock::now() >= retirement && (delayed_.empty() || idle_ > 1)) {
+            } else if (Clock::now() >= retirement && idle_ > 1) {
                 --idle_;
                 return;
+            } else if (const auto moment = nextMoment(retirement)) {
+                wake_.wait_until(lock, *moment);
             } else {
-                wake_.wait_until(lock, nextMoment(retirement));
+                wake_.wait(lock);
             }
         }
     }
@@ -84,11 +87,13 @@ private:
         delayed_.erase(delayed_.begin(), end);
     }
 
-    [[nodiscard]] Clock::time_point nextMoment(Clock::time_point retirement) const {
-        if (delayed_.empty()) return retirement;
-        // The last worker stays for delayed blocks, however far off they are.
-        const auto due = delayed_.begin()->first;
-        return idle_ > 1 ? std::min(due, retirement) : due;
+    /// When there is something to do though nobody calls: a delayed block is due, or it is time to retire.
+    [[nodiscard]] std::optional<Clock::time_point> nextMoment(Clock::time_point retirement) const {
+        std::optional<Clock::time_point> moment;
+        if (idle_ > 1) moment = retirement;
+        if (!delayed_.empty())
+            moment = std::min(moment.value_or(Clock::time_point::max()), delayed_.begin()->first);
+        return moment;
     }
 
     std::mutex mutex_;

@@ -71,7 +71,11 @@ void Task::terminate() {
 }
 
 void Task::waitUntilExit() {
-    if (child_) child_->waitUntilExit();
+    if (!child_) return;
+    child_->waitUntilExit();
+    // The last that the child printed should not be lost with a shell that ends now.
+    if (standardOutput_) standardOutput_->reading().waitUntilHandled();
+    if (standardErrorPipe_) standardErrorPipe_->reading().waitUntilHandled();
 }
 
 } // namespace harbrook::gtk

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <system_error>
 
 namespace harbrook::gtk {
 
@@ -33,8 +34,12 @@ public:
         : context_(g_main_context_new()), queue_(context_.get()), completions_(queue) {}
 
     void start(URLRequest request, CompletionHandler completionHandler) {
-        std::call_once(
-            started_, [this] { startThread("url session", [self = shared_from_this()] { self->run(); }); });
+        if (const auto error = ensureThread()) {
+            completions_.async([handler = std::move(completionHandler), error] {
+                handler(std::nullopt, std::nullopt, error);
+            });
+            return;
+        }
         const double timeout = request.timeoutInterval;
         auto deliver = [self = shared_from_this(),
                         handler = std::move(completionHandler)](HTTPExchange::Outcome outcome) {
@@ -52,6 +57,18 @@ public:
     }
 
 private:
+    /// The error, or none; after an error, the next request tries again.
+    std::optional<Error> ensureThread() {
+        try {
+            std::call_once(started_, [this] {
+                startThread("url session", [self = shared_from_this()] { self->run(); });
+            });
+        } catch (const std::system_error& error) {
+            return Error{error.code().message()};
+        }
+        return std::nullopt;
+    }
+
     void run() noexcept {
         g_main_context_push_thread_default(context_.get());
         session_ = makeSession();

@@ -1,5 +1,6 @@
 #include "platform/gtk/status/Drawing.h"
 
+#include "platform/Overloaded.h"
 #include "platform/gtk/status/Images.h"
 
 #include <numbers>
@@ -7,14 +8,6 @@
 namespace harbrook::gtk {
 
 namespace {
-
-template <typename... Ts>
-struct Overloaded : Ts... {
-    using Ts::operator()...;
-};
-// Compilers that know C++20 only in part need to be told.
-template <typename... Ts>
-Overloaded(Ts...) -> Overloaded<Ts...>;
 
 void addToPath(cairo_t* context, const BezierPath& path) {
     cairo_new_path(context);

@@ -1,6 +1,7 @@
 #include "platform/gtk/status/MenuVariant.h"
 
 #include "platform/gtk/bus/VariantText.h"
+#include "platform/gtk/foundation/Mnemonic.h"
 
 #include <algorithm>
 
@@ -45,14 +46,6 @@ GVariant* shortcut(const MenuItem& item) {
 
 } // namespace
 
-std::string menuLabel(const std::string& title) {
-    std::string label;
-    label.reserve(title.size());
-    for (const char c : title)
-        label.append(c == '_' ? 2 : 1, c);
-    return label;
-}
-
 GVariant* menuProperties(const MenuItem* item, const PropertyNames& names) {
     PropertyBuilder properties(names);
     if (item && item->isSeparator) {
@@ -60,7 +53,8 @@ GVariant* menuProperties(const MenuItem* item, const PropertyNames& names) {
         return properties.finish();
     }
     if (item) {
-        if (properties.wants("label")) properties.add("label", textVariant(menuLabel(item->title)));
+        if (properties.wants("label"))
+            properties.add("label", textVariant(labelWithoutMnemonic(item->title)));
         if (!item->isEnabled() && properties.wants("enabled")) {
             properties.add("enabled", g_variant_new_boolean(FALSE));
         }
@@ -84,7 +78,7 @@ GVariant* menuPropertyDefault(std::string_view name) {
 GVariant* changeableMenuProperties(const MenuItem& item) {
     const PropertyNames all;
     PropertyBuilder properties(all);
-    properties.add("label", textVariant(menuLabel(item.title)));
+    properties.add("label", textVariant(labelWithoutMnemonic(item.title)));
     properties.add("enabled", g_variant_new_boolean(item.isEnabled() ? TRUE : FALSE));
     return properties.finish();
 }

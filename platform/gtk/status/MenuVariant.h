@@ -17,9 +17,6 @@ namespace harbrook::gtk {
 /// The names of the properties that a host asks for; empty means all.
 using PropertyNames = std::vector<std::string>;
 
-/// The label for a title: hosts take a single underscore for a mnemonic.
-[[nodiscard]] std::string menuLabel(const std::string& title);
-
 /// The properties of one row that differ from their defaults, as `a{sv}`. The root's item is null.
 [[nodiscard]] GVariant* menuProperties(const MenuItem* item, const PropertyNames& names);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/gtk/bus/ColorScheme.h"
 #include "platform/gtk/foundation/GObjectPtr.h"
 #include "platform/gtk/status/StatusPixmap.h"
 
@@ -7,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 namespace harbrook::gtk {
@@ -15,29 +17,23 @@ namespace harbrook::gtk {
 /// the user prefers for windows, one has a setting for it; elsewhere it follows that preference. Main thread.
 class PanelToneWatch : public std::enable_shared_from_this<PanelToneWatch> {
 public:
-    /// `changed` is called whenever `tone` gives another answer than before.
+    /// `changed` is called whenever `tone` gives another answer than before, but not before this returns.
     explicit PanelToneWatch(std::function<void()> changed);
-    ~PanelToneWatch();
 
-    void watchOn(GObjectPtr<GDBusConnection> connection);
+    /// Asks the desktop for the setting of its panel, if it is one that has such a setting.
+    void askOn(const GObjectPtr<GDBusConnection>& connection);
     [[nodiscard]] PanelTone tone() const { return tone_; }
 
 private:
-    struct Callbacks;
-
-    void askPortal();
-    void askXfce();
-    void alwaysDark();
-    void preferenceIs(std::uint32_t colorScheme);
-    void setTone(PanelTone tone);
+    void answered(GVariant* isDark);
+    void update();
+    [[nodiscard]] PanelTone believed() const;
 
     std::function<void()> changed_;
     bool isAlwaysDark_ = false;
     bool isXfce_ = false;
     PanelTone tone_ = PanelTone::light;
-    GObjectPtr<GDBusConnection> connection_;
-    guint watch_ = 0;
-    guint subscription_ = 0;
+    std::optional<DesktopColorScheme> preference_;
 };
 
 /// Whether `name` is among the desktops of XDG_CURRENT_DESKTOP, which are separated by colons.

@@ -1,6 +1,7 @@
 #include "platform/gtk/status/StatusItem.h"
 
 #include "platform/gtk/bus/SessionConnection.h"
+#include "platform/gtk/foundation/Identity.h"
 
 #include <algorithm>
 
@@ -8,7 +9,6 @@ namespace harbrook::gtk {
 
 namespace {
 
-constexpr const char* applicationName = "Harbrook";
 constexpr const char* menuPath = "/StatusNotifierItem/Menu";
 
 } // namespace
@@ -57,7 +57,7 @@ void StatusItem::appear() {
 void StatusItem::exportOn(const GObjectPtr<GDBusConnection>& connection) {
     menu_.exportOn(connection, menuPath);
     notifier_->exportOn(connection, menuPath);
-    toneWatch_->watchOn(connection);
+    toneWatch_->askOn(connection);
 }
 
 /// A click on the icon itself does what stands first in the menu: it brings up the application.

@@ -7,6 +7,7 @@
 
 #include <webkit/webkit.h>
 
+#include <functional>
 #include <optional>
 
 namespace harbrook::gtk {
@@ -18,7 +19,10 @@ namespace harbrook::gtk {
 /// delegates nor the page's history ever see that document.
 class WebView final : public View, public harbrook::WebView {
 public:
-    WebView(NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration);
+    /// `firstPageDidAppear` is called once, when a page that the shell has asked for begins to be shown.
+    WebView(
+        NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration,
+        std::function<void()> firstPageDidAppear);
     ~WebView() override;
 
     void setNavigationDelegate(std::weak_ptr<WebNavigationDelegate> delegate) override;
@@ -60,12 +64,14 @@ private:
     bool drawsBackground_ = true;
     std::optional<Color> underPageColor_;
     std::shared_ptr<void> appearanceObserver_;
+    std::function<void()> firstPageDidAppear_;
     LoadTracker loads_;
     guint waitLimit_ = 0;
     SignalConnections connections_;
 };
 
 [[nodiscard]] std::shared_ptr<harbrook::WebView> makeWebView(
-    NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration);
+    NotificationCenter& center, Rect frame, const WebViewConfiguration& configuration,
+    std::function<void()> firstPageDidAppear);
 
 } // namespace harbrook::gtk

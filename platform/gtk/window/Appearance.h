@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/Color.h"
+#include "platform/gtk/bus/ColorScheme.h"
 #include "platform/gtk/foundation/SignalConnections.h"
-#include "platform/gtk/window/ColorScheme.h"
 
 #include <gtk/gtk.h>
 

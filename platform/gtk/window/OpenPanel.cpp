@@ -1,6 +1,6 @@
 #include "platform/gtk/window/OpenPanel.h"
 
-#include "platform/gtk/app/MainMenu.h"
+#include "platform/gtk/foundation/Mnemonic.h"
 #include "platform/gtk/window/PortalParent.h"
 #include "platform/gtk/window/Window.h"
 

@@ -1,5 +1,7 @@
 #include "platform/gtk/window/PortalFolderChooser.h"
 
+#include "platform/gtk/bus/Portal.h"
+
 #include <string_view>
 #include <utility>
 
@@ -7,8 +9,6 @@ namespace harbrook::gtk {
 
 namespace {
 
-constexpr auto portalName = "org.freedesktop.portal.Desktop";
-constexpr auto portalPath = "/org/freedesktop/portal/desktop";
 constexpr auto chooserInterface = "org.freedesktop.portal.FileChooser";
 constexpr auto requestInterface = "org.freedesktop.portal.Request";
 /// The first one that can choose folders.
@@ -22,7 +22,7 @@ std::string requestPath(GDBusConnection* bus, const std::string& token) {
     for (char& character : sender) {
         if (character == '.') character = '_';
     }
-    return std::string(portalPath) + "/request/" + sender + "/" + token;
+    return std::string(portal::path) + "/request/" + sender + "/" + token;
 }
 
 std::string newToken() {
@@ -83,7 +83,7 @@ void PortalFolderChooser::gotBus(GObjectPtr<GDBusConnection> bus) {
         static_cast<PortalFolderChooser*>(self)->gotVersion(answer.get());
     };
     g_dbus_connection_call(
-        bus_.get(), portalName, portalPath, "org.freedesktop.DBus.Properties", "Get",
+        bus_.get(), portal::name, portal::path, "org.freedesktop.DBus.Properties", "Get",
         g_variant_new("(ss)", chooserInterface, "version"), G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE,
         patienceInMilliseconds, pending_.get(), finished, this);
 }
@@ -110,8 +110,8 @@ void PortalFolderChooser::open() {
         static_cast<PortalFolderChooser*>(self)->responded(parameters);
     };
     subscription_ = g_dbus_connection_signal_subscribe(
-        bus_.get(), portalName, requestInterface, "Response", requestPath(bus_.get(), token).c_str(), nullptr,
-        G_DBUS_SIGNAL_FLAGS_NONE, response, this, nullptr);
+        bus_.get(), portal::name, requestInterface, "Response", requestPath(bus_.get(), token).c_str(),
+        nullptr, G_DBUS_SIGNAL_FLAGS_NONE, response, this, nullptr);
 
     const auto finished = [](GObject* source, GAsyncResult* result, void* data) noexcept {
         GError* failure = nullptr;
@@ -123,8 +123,9 @@ void PortalFolderChooser::open() {
         self.unavailable_();
     };
     g_dbus_connection_call(
-        bus_.get(), portalName, portalPath, chooserInterface, "OpenFile", openFileArguments(question_, token),
-        G_VARIANT_TYPE("(o)"), G_DBUS_CALL_FLAGS_NONE, -1, pending_.get(), finished, this);
+        bus_.get(), portal::name, portal::path, chooserInterface, "OpenFile",
+        openFileArguments(question_, token), G_VARIANT_TYPE("(o)"), G_DBUS_CALL_FLAGS_NONE, -1,
+        pending_.get(), finished, this);
 }
 
 void PortalFolderChooser::responded(GVariant* parameters) {

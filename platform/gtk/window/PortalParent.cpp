@@ -31,7 +31,9 @@ void withPortalParent(GtkWindow* window, Known known) {
         const auto exported = [](GdkToplevel*, const char* handle, void* data) noexcept {
             (*static_cast<Known*>(data))(std::string("wayland:") + handle);
         };
-        const auto destroy = [](void* data) noexcept { delete static_cast<Known*>(data); };
+        const auto destroy = [](void* data) noexcept {
+            const std::unique_ptr<Known> owned(static_cast<Known*>(data));
+        };
         auto callback = std::make_unique<Known>(known);
         if (gdk_wayland_toplevel_export_handle(GDK_TOPLEVEL(surface), exported, callback.get(), destroy)) {
             // The toolkit frees it.

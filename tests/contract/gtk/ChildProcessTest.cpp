@@ -1,6 +1,5 @@
 #include "platform/gtk/foundation/FileDescriptor.h"
-#include "tests/contract/Shared.h"
-#include "tests/contract/gtk/GtkDesktop.h"
+#include "tests/contract/gtk/ChildTest.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -17,26 +16,8 @@ namespace {
 
 using testing::HasSubstr;
 
-/// What only real children can show.
-class ChildProcess : public testing::Test {
+class ChildProcess : public ChildTest {
 protected:
-    [[nodiscard]] static std::shared_ptr<Task> shell(const std::string& command) {
-        auto task = gtkPlatform().makeTask();
-        task->setExecutableURL("/bin/sh");
-        task->setArguments({"-c", command});
-        return task;
-    }
-
-    [[nodiscard]] static std::string outputOf(const std::shared_ptr<Task>& task) {
-        const auto pipe = gtkPlatform().makePipe();
-        task->setStandardOutput(pipe);
-        const auto error = task->launchAndReturnError();
-        EXPECT_FALSE(error.has_value()) << error->localizedDescription;
-        auto output = pipe->fileHandleForReading()->readDataToEndOfFile();
-        task->waitUntilExit();
-        return output;
-    }
-
     [[nodiscard]] std::string errorOf(const std::filesystem::path& executable) const {
         const auto task = gtkPlatform().makeTask();
         task->setExecutableURL(executable);
@@ -57,11 +38,6 @@ protected:
         const std::filesystem::directory_iterator entries("/proc/self/fd");
         return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
     }
-
-    [[nodiscard]] const std::filesystem::path& directory() const { return directory_.path(); }
-
-private:
-    TemporaryDirectory directory_;
 };
 
 TEST_F(ChildProcess, has_no_open_file_beyond_its_three_streams) {
@@ -178,119 +154,29 @@ TEST_F(ChildProcess, may_be_terminated_while_it_exits) {
     }
 }
 
+TEST_F(ChildProcess, that_is_stopped_goes_on_to_take_the_terminate_request) {
+    // One without a trap would end all the same.
+    const auto task = shell("trap 'exit 0' TERM; echo $$; read line");
+    const auto pipe = gtkPlatform().makePipe();
+    task->setStandardInput(gtkPlatform().makePipe());
+    task->setStandardOutput(pipe);
+    ASSERT_FALSE(task->launchAndReturnError().has_value());
+    ASSERT_EQ(kill(std::stoi(pipe->fileHandleForReading()->availableData()), SIGSTOP), 0);
+    task->terminate();
+    std::atomic<bool> ended = false;
+    gtkPlatform().globalQueue().async([&] {
+        task->waitUntilExit();
+        ended = true;
+    });
+    EXPECT_TRUE(runMainLoopUntil([&] { return ended.load(); }));
+}
+
 TEST_F(ChildProcess, two_hundred_in_turn_leave_nothing_open) {
     static_cast<void>(outputOf(shell("true")));
     const auto before = openDescriptors();
     for (int i = 0; i < 200; ++i)
         ASSERT_EQ(outputOf(shell("echo x")), "x\n");
     EXPECT_EQ(openDescriptors(), before);
-}
-
-TEST_F(ChildProcess, many_at_once_each_have_their_own_streams) {
-    constexpr int workers = 6;
-    constexpr int rounds = 10;
-    std::atomic<int> right = 0;
-    std::atomic<int> ended = 0;
-    for (int worker = 0; worker < workers; ++worker) {
-        gtkPlatform().globalQueue().async([&, worker] {
-            for (int round = 0; round < rounds; ++round) {
-                const auto word = std::to_string(worker) + "." + std::to_string(round);
-                if (outputOf(shell("cat </dev/null; echo " + word)) == word + "\n") ++right;
-            }
-            ++ended;
-        });
-    }
-    ASSERT_TRUE(runMainLoopUntil([&] { return ended == workers; }, 120));
-    EXPECT_EQ(right, workers * rounds);
-}
-
-TEST_F(ChildProcess, a_flood_of_output_arrives_whole_and_in_order) {
-    constexpr std::size_t size = 100'000'000;
-    const auto task = shell("yes 'abcdefghi' | head -c " + std::to_string(size));
-    const auto pipe = gtkPlatform().makePipe();
-    task->setStandardOutput(pipe);
-    const auto path = directory() / "log";
-    ASSERT_TRUE(gtkPlatform().fileManager().createFileAtPath(path));
-    const auto log = gtkPlatform().fileHandleForWritingToURL(path);
-    std::atomic<std::size_t> received = 0;
-    std::atomic<bool> over = false;
-    std::atomic<bool> inOrder = true;
-    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
-        const auto data = handle.availableData();
-        const std::size_t start = received;
-        if (!data.empty() && data.front() != "abcdefghi\n"[start % 10]) inOrder = false;
-        log->writeData(data);
-        received = start + data.size();
-        if (data.empty()) over = true;
-    });
-    ASSERT_FALSE(task->launchAndReturnError().has_value());
-    ASSERT_TRUE(runMainLoopUntil([&] { return over.load(); }, 120));
-    task->waitUntilExit();
-    EXPECT_EQ(received, size);
-    EXPECT_TRUE(inOrder);
-    EXPECT_EQ(std::filesystem::file_size(path), size);
-}
-
-TEST_F(ChildProcess, a_handler_meets_end_of_file_once) {
-    const auto pipe = gtkPlatform().makePipe();
-    const auto task = shell("echo words");
-    task->setStandardOutput(pipe);
-    std::atomic<int> emptyReads = 0;
-    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
-        if (handle.availableData().empty()) ++emptyReads;
-    });
-    ASSERT_FALSE(task->launchAndReturnError().has_value());
-    ASSERT_TRUE(runMainLoopUntil([&] { return emptyReads > 0; }));
-    static_cast<void>(runMainLoopUntil([] { return false; }, 0.05));
-    EXPECT_EQ(emptyReads, 1);
-    task->waitUntilExit();
-}
-
-TEST_F(ChildProcess, a_handler_may_be_taken_away) {
-    const auto task = shell("echo one; read line; echo two");
-    const auto input = gtkPlatform().makePipe();
-    const auto output = gtkPlatform().makePipe();
-    task->setStandardInput(input);
-    task->setStandardOutput(output);
-    const auto reading = output->fileHandleForReading();
-    Shared<std::string> text;
-    reading->setReadabilityHandler([&](FileHandle& handle) {
-        const auto data = handle.availableData();
-        handle.setReadabilityHandler({});
-        text.change([&](std::string& all) { all += data; });
-    });
-    ASSERT_FALSE(task->launchAndReturnError().has_value());
-    ASSERT_TRUE(runMainLoopUntil([&] { return text.get() == "one\n"; }));
-    input->fileHandleForWriting()->writeData("go on\n");
-    task->waitUntilExit();
-    EXPECT_EQ(reading->readDataToEndOfFile(), "two\n");
-    EXPECT_EQ(text.get(), "one\n");
-}
-
-TEST_F(ChildProcess, a_full_disk_is_borne_in_silence) {
-    const auto full = gtkPlatform().fileHandleForWritingToURL("/dev/full");
-    ASSERT_NE(full, nullptr);
-    full->writeData("lost");
-}
-
-TEST(ProcessEnd, does_not_wait_for_workers_and_survives_them) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
-    EXPECT_EXIT(
-        {
-            auto& platform = gtkPlatform();
-            const auto never = platform.makeSemaphore(0);
-            for (int i = 0; i < 8; ++i) {
-                platform.globalQueue().async([&platform, never] {
-                    while (!never->wait(0.0001))
-                        platform.mainQueue().async([] {});
-                });
-            }
-            const auto silent = platform.makePipe();
-            silent->fileHandleForReading()->setReadabilityHandler([](FileHandle&) {});
-            static_cast<void>(runMainLoopUntil([] { return false; }, 0.05));
-            std::exit(0);
-        },
-        testing::ExitedWithCode(0), "");
 }
 
 } // namespace

@@ -15,14 +15,14 @@ namespace harbrook::contract {
 namespace {
 
 /// Answers a command line with what would go to standard output going where the test can see it.
-void answer(std::vector<std::string> words) {
+gtk::StartedBy answer(std::vector<std::string> words) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
-    gtk::answerCommandLine(static_cast<int>(words.size()), pointers.data());
+    return gtk::answerCommandLine(static_cast<int>(words.size()), pointers.data());
 }
 
 TEST(CommandLine, asks_for_a_word_and_gets_it) {
@@ -36,8 +36,8 @@ TEST(CommandLine, that_is_wrong_is_refused) {
 }
 
 TEST(CommandLine, of_an_ordinary_start_is_left_alone) {
-    answer({"harbrook"});
-    answer({"harbrook", "--gapplication-service"});
+    EXPECT_EQ(answer({"harbrook"}), gtk::StartedBy::user);
+    EXPECT_EQ(answer({"harbrook", "--gapplication-service"}), gtk::StartedBy::bus);
 }
 
 TEST(ProcessSetup, opens_standard_streams_that_were_closed) {

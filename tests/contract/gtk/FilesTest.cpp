@@ -1,7 +1,9 @@
 #include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/FileHandle.h"
 #include "platform/gtk/foundation/FileManager.h"
 #include "tests/contract/gtk/GtkDesktop.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <fstream>
@@ -66,6 +68,18 @@ TEST_F(RealFiles, a_write_that_fails_leaves_nothing_behind) {
     EXPECT_FALSE(files_.writeAtomically("text", directory() / "taken"));
     EXPECT_FALSE(files_.createFileAtPath(directory() / "taken"));
     EXPECT_EQ(entries(), 1U);
+}
+
+TEST_F(RealFiles, a_fifo_is_opened_for_writing_only_when_somebody_reads_it) {
+    const auto fifo = directory() / "fifo";
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    EXPECT_EQ(gtk::openForWriting(fifo), nullptr);
+
+    const gtk::FileDescriptor reader(open(fifo.c_str(), O_RDONLY | O_NONBLOCK));
+    const auto writer = gtk::openForWriting(fifo);
+    ASSERT_NE(writer, nullptr);
+    // Writing waits for the reader when there is no more room.
+    EXPECT_EQ(fcntl(writer->descriptor(), F_GETFL) & O_NONBLOCK, 0);
 }
 
 TEST_F(RealFiles, a_dangling_link_is_in_the_way_of_a_move) {

@@ -257,12 +257,12 @@ TEST_F(HTTP, a_handler_that_takes_its_time_makes_no_other_exchange_time_out) {
         .dataTaskWithRequest(
             requestFor(server.address("/first")),
             [&](auto, auto, auto) {
-                static_cast<void>(gate->wait(0.5));
+                static_cast<void>(gate->wait(2.5));
                 waited = true;
             })
         ->resume();
     auto request = requestFor(server.address("/second"));
-    request.timeoutInterval = 0.3;
+    request.timeoutInterval = 1.5;
     EXPECT_EQ(exchange(request).body, "answer");
     EXPECT_TRUE(waited);
 }

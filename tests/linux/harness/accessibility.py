@@ -57,6 +57,8 @@ class Node:
 
 
 class Tree:
+    role_question = "GetRoleName"
+
     def __init__(self, session_bus):
         address = session_bus.call("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress")[0]
         self.bus = Bus(address)
@@ -77,7 +79,7 @@ class Tree:
             name = ""
         words = ask("GetState", [])
         states = frozenset(i for i in range(64) if len(words) > i // 32 and words[i // 32] >> i % 32 & 1)
-        return Node(self, owner, path, ask("GetRoleName", "gone"), name, states)
+        return Node(self, owner, path, ask(self.role_question, "gone"), name, states)
 
     def application(self, pid):
         """The root of that process's tree, or None."""

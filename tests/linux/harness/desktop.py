@@ -24,6 +24,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
   <auth>EXTERNAL</auth>
   <servicedir>{folder}/services</servicedir>
   <policy context="default">
+    <allow user="*"/>
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>
@@ -118,6 +119,11 @@ class Desktop:
         self.environment["DISPLAY"] = name
         self.screen = Screen(name)
         self._closers.append(self.screen.close)
+
+    @property
+    def display_pid(self):
+        """The process of the X server, when it is this desktop's own."""
+        return self._server.pid if hasattr(self, "_server") else None
 
     def end_display(self):
         """The X server ends under all that is running."""

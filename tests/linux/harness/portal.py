@@ -1,4 +1,4 @@
-"""A desktop portal with nothing but a file chooser, which the test answers in the user's place."""
+"""Desktop portals with one ability each, which the test answers in the place of user and desktop."""
 
 from gi.repository import GLib
 
@@ -51,3 +51,46 @@ class Portal:
         path = self._request(self.questions[-1][2]["handle_token"])
         results = {"uris": GLib.Variant("as", addresses)} if addresses else {}
         self.bus.emit(path, REQUEST, "Response", GLib.Variant("(ua{sv})", (response, results)))
+
+
+SETTINGS = "org.freedesktop.portal.Settings"
+SETTINGS_DESCRIPTION = f"""
+<node>
+  <interface name="{SETTINGS}">
+    <method name="Read">
+      <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/>
+    </method>
+    <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
+  </interface>
+</node>"""
+
+NO_PREFERENCE, PREFERS_DARK, PREFERS_LIGHT = 0, 1, 2
+
+
+class SettingsPortal:
+    """A desktop portal that knows nothing but the user's colour scheme. It comes with arrive()."""
+
+    def __init__(self, desktop, scheme):
+        self.bus = Bus(desktop.bus.address)
+        self.scheme = scheme
+        self.bus.export(PATH, SETTINGS_DESCRIPTION, self._answer)
+
+    def arrive(self):
+        self.bus.take_name(NAME)
+        return self
+
+    def leave(self):
+        self.bus.drop_name(NAME)
+
+    def close(self):
+        self.bus.close()
+
+    def _answer(self, method, arguments):
+        assert arguments == ("org.freedesktop.appearance", "color-scheme")
+        return GLib.Variant("(v)", (GLib.Variant("v", GLib.Variant("u", self.scheme)),))
+
+    def choose(self, scheme):
+        """The user changes the setting."""
+        self.scheme = scheme
+        changed = ("org.freedesktop.appearance", "color-scheme", GLib.Variant("u", scheme))
+        self.bus.emit(PATH, SETTINGS, "SettingChanged", GLib.Variant("(ssv)", changed))

@@ -9,6 +9,7 @@ copy of this one file is enough.
 import array
 import base64
 import fcntl
+import hashlib
 import json
 import os
 import queue
@@ -21,6 +22,8 @@ import threading
 import time
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from pathlib import Path
+
+REQUESTS_TO_END = (signal.SIGTERM, signal.SIGINT, signal.SIGHUP)
 
 
 def inherited():
@@ -180,15 +183,21 @@ class Program:
         self.ignored = set()
         self.slowness = 0.0
         self.outlives_input = False
-        for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
-            signal.signal(number, self.signalled)
+        self.last_words = b""
 
-    def signalled(self, number, _frame):
+    def watch_signals(self):
+        # Waited for on a thread: a handler would run only when the main thread's next read comes to an end, should
+        # the signal arrive just before that read begins.
+        while True:
+            self.signalled(signal.sigwait(REQUESTS_TO_END))
+
+    def signalled(self, number):
         name = signal.Signals(number).name
         self.channel.tell("signal", name=name)
         if name in self.ignored:
             return
         time.sleep(self.slowness)
+        self.write(self.last_words)
         self.leave(0)
 
     def leave(self, status):
@@ -254,8 +263,19 @@ class Program:
             written += len(part)
         self.channel.tell("flooded", size=written)
 
-    def do_close_streams(self):
-        for number in (1, 2):
+    def do_flood_numbered(self, size, width=64):
+        """Lines that differ all, in blocks so that making them costs little; tells a digest of them."""
+        block = b"".join(b"%015d %s\n" % (number, b"." * (width - 17)) for number in range(4096))
+        digest, written = hashlib.sha256(), 0
+        while written < size:
+            part = b"block %0*d\n" % (width - 7, written) + block
+            digest.update(part)
+            self.write(part)
+            written += len(part)
+        self.channel.tell("flooded", size=written, digest=digest.hexdigest())
+
+    def do_close_streams(self, streams=(1, 2)):
+        for number in streams:
             os.close(number)
         self.channel.tell("streams-closed")
 
@@ -264,6 +284,10 @@ class Program:
 
     def do_end_slowly(self, seconds):
         self.slowness = seconds
+
+    def do_last_words(self, text):
+        """Printed when it is asked to end, right before it does."""
+        self.last_words = text.encode()
 
     def do_outlive_input(self):
         self.outlives_input = True
@@ -274,6 +298,9 @@ class Program:
     def do_exit(self, status=0):
         self.leave(status)
 
+    def do_crash(self):
+        os.kill(os.getpid(), signal.SIGKILL)
+
     def carry_out(self, step):
         step = dict(step)
         name = step.pop("do")
@@ -283,11 +310,13 @@ class Program:
 
 def main():
     found = inherited()
+    signal.pthread_sigmask(signal.SIG_BLOCK, REQUESTS_TO_END)
     plan = json.loads((Path(sys.argv[0]).parent / "plan.json").read_text())
     channel = Channel(plan["socket"])
     program = Program(channel)
     program.site.answers.update(plan.get("answers", {}))
     channel.tell("started", **found)
+    threading.Thread(target=program.watch_signals, daemon=True).start()
     threading.Thread(target=program.watch_input, daemon=True).start()
     for step in plan.get("steps", []):
         program.carry_out(step)

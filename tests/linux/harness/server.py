@@ -62,6 +62,11 @@ def end_slowly(seconds):
     return {"do": "end-slowly", "seconds": seconds}
 
 
+def last_words(text):
+    """Printed when it is asked to end, right before it does."""
+    return {"do": "last-words", "text": text}
+
+
 READY = [serve(), announce()]
 
 

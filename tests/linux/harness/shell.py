@@ -93,7 +93,8 @@ class Shell:
         return self.switchboard.server(max(len(self.switchboard.servers) - 1, 0), hopeless=self._has_ended)
 
     def _has_ended(self):
-        return all(program.poll() is not None for program in self.programs)
+        # None, when something else than this test has started it.
+        return bool(self.programs) and all(program.poll() is not None for program in self.programs)
 
     @property
     def output(self):

@@ -19,7 +19,7 @@ PROPERTIES = {
     "NSPrincipalClass": "NSApplication",
 }
 RESOURCES = (
-    "app/server.js", "app/package.json", "app/page", "app/lib", "runtime",
+    "app/server.js", "app/package.json", "app/page", "app/lib",
     "menubarTemplate@2x.png", "menubarIdleTemplate@2x.png",
 )
 

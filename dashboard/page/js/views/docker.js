@@ -1,14 +1,14 @@
 import { h } from '../dom.js';
-import { empty, pageHead, portLink, section, spinner } from '../parts.js';
+import { containerStatus, empty, pageHead, portLink, section, spinner } from '../parts.js';
 import { hashOfProject } from '../route.js';
-import { count } from '../text.js';
+import { amount, count } from '../text.js';
 
-const TONES = { running: 'good', restarting: 'wait', paused: 'wait', dead: 'bad' };
-
-function line({ id, name, image, state, status, ports }) {
+function line(container) {
+  const { id, name, image, state, status, ports } = container;
   return h('tr', { key: id },
-    h('td', null, h('span', { class: 'two-lines' }, h('span', { class: 'strong' }, name), h('span', { class: 'faint mono clip' }, image))),
-    h('td', null, h('span', { class: `status ${TONES[state] ?? 'off'}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), status || state)),
+    h('td', null, h('span', { class: 'two-lines' },
+      h('span', { class: 'strong clip', title: name }, name), h('span', { class: 'faint mono clip', title: image }, image))),
+    h('td', null, containerStatus(container, status || state)),
     h('td', null, ports.length > 0
       ? h('span', { class: 'chips' }, ports.map(({ port, inside }) => h('span', { class: 'mapping', key: String(port) }, portLink(port), port !== inside && h('span', { class: 'faint mono' }, `→ ${inside}`))))
       : h('span', { class: 'faint' }, '–')),
@@ -36,14 +36,13 @@ export function dockerView({ overview }) {
     const name = container.composeProject ?? '';
     groups.set(name, [...(groups.get(name) ?? []), container]);
   }
-  const known = new Set(overview.projects.map(({ path }) => path));
   const running = docker.containers.filter(({ state }) => state === 'running').length;
   const named = [...groups].filter(([name]) => name !== '').sort(([one], [other]) => one.localeCompare(other));
   return [
-    pageHead('Docker', docker.containers.length > 0 ? `${running} of ${count(docker.containers.length, 'container')} running` : `Engine ${docker.version}`),
+    pageHead('Docker', docker.containers.length > 0 ? `${amount(running)} of ${count(docker.containers.length, 'container')} running` : `Engine ${docker.version}`),
     docker.containers.length === 0 && empty('docker', 'No containers', 'The engine is running and has no containers. Those you create appear here.'),
     h('div', { class: 'stack-large', key: 'groups' },
-      named.map(([name, containers]) => group(name, containers, known.has(containers[0].folder) ? containers[0].folder : null)),
+      named.map(([name, containers]) => group(name, containers, containers[0].project)),
       groups.has('') && group(named.length > 0 ? 'Other containers' : 'Containers', groups.get(''), null)),
   ];
 }

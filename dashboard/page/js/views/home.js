@@ -1,9 +1,9 @@
 import { askForFolder } from '../actions.js';
 import { h } from '../dom.js';
-import { empty, glyph, pageHead, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
+import { empty, glyph, pageHead, pathText, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { store, update } from '../store.js';
-import { count, folderOf, listed, shortPath } from '../text.js';
+import { amount, count, folderOf, listed, shortPath } from '../text.js';
 
 const FILTERS = [['all', 'All'], ['running', 'Running'], ['startable', 'Can be started']];
 
@@ -16,13 +16,14 @@ function matches(project) {
 }
 
 function tile(href, value, label) {
-  return h('a', { class: 'tile', href, key: label }, h('strong', null, String(value)), h('span', null, label));
+  return h(href ? 'a' : 'div', { class: 'tile', href, key: label },
+    h('strong', { class: value === 0 ? 'none' : null }, amount(value)), ' ', h('span', null, label));
 }
 
 function tiles({ stats, ports }) {
-  const own = new Set(ports.filter((entry) => entry.own).map(({ port }) => port)).size;
+  const own = new Set(ports.filter((entry) => entry.own || entry.container).map(({ port }) => port)).size;
   return h('div', { class: 'tiles' },
-    h('div', { class: 'tile', key: 'running' }, h('strong', null, String(stats.running)), h('span', null, 'Running')),
+    tile(null, stats.running, 'Running'),
     tile('#/ports', own, 'Ports in use'),
     tile('#/services', stats.postgres, 'PostgreSQL'),
     tile('#/services', stats.redis, 'Redis'),
@@ -48,8 +49,8 @@ function row(project, home) {
     glyph(project.kind),
     h('div', { class: 'two-lines grow' },
       h('a', { class: 'cover strong', href: hashOfProject(project.path), 'data-step': true }, project.name,
-        project.version && h('span', { class: 'version' }, project.version)),
-      h('span', { class: 'faint clip' }, shortPath(folderOf(project.path), home))),
+        project.version && [' ', h('span', { class: 'version' }, project.version)]),
+      h('span', { class: 'faint' }, pathText(folderOf(project.path), home))),
     project.problem && tone === 'off' && h('span', { class: 'status bad' }, h('span', { class: 'dot', 'aria-hidden': 'true' }), 'Broken manifest'),
     tone !== 'off' && h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text),
     project.ports.length > 0 && portLinks(project.ports),
@@ -91,7 +92,7 @@ export function homeView({ overview }) {
   const searching = store.search.trim() !== '' || store.filter !== 'all';
   const running = searching ? [] : projects.filter((project) => project.running);
   const others = searching ? projects.filter(matches) : projects.filter((project) => !project.running);
-  const title = searching ? count(others.length, 'match').replace('matchs', 'matches') : running.length > 0 ? 'Other projects' : 'Projects';
+  const title = searching ? count(others.length, 'match', 'matches') : running.length > 0 ? 'Other projects' : 'Projects';
   return [
     pageHead('Dashboard', `${count(projects.length, 'project')} in ${listed(present)}`),
     tiles(overview),

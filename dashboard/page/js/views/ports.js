@@ -11,14 +11,20 @@ function reach(addresses) {
   return addresses.every((address) => LOOPBACK.has(address)) ? 'This machine' : addresses.join(', ');
 }
 
+/** What listens there: its name and, where that says more, its command. */
+function program({ process, container }) {
+  if (container) return [container.name, container.image];
+  return [process?.name ?? '–', process && process.command !== process.name ? process.command : null];
+}
+
 function line(entry, projects) {
   const { port, process, project } = entry;
   const isDashboard = String(port) === location.port;
-  const name = isDashboard ? 'Harbrook' : process?.name ?? '–';
+  const [name, more] = isDashboard ? ['Harbrook', null] : program(entry);
   return h('tr', { key: `${port} ${process?.pid ?? entry.user}` },
     h('td', null, isDashboard ? h('span', { class: 'chip mono plain' }, `:${port}`) : portLink(port)),
-    h('td', null, h('span', { class: 'two-lines' }, h('span', { class: 'strong' }, name),
-      process && !isDashboard && h('span', { class: 'faint mono clip', title: process.command }, process.command))),
+    h('td', null, h('span', { class: 'two-lines' },
+      h('span', { class: 'strong clip', title: name }, name), more && h('span', { class: 'faint mono clip', title: more }, more))),
     h('td', null, project ? h('a', { class: 'link', href: hashOfProject(project) }, projects.get(project) ?? project) : h('span', { class: 'faint' }, '–')),
     h('td', null, reach(entry.addresses)),
     h('td', { class: 'mono number' }, process ? String(process.pid) : h('span', { class: 'faint' }, entry.user ?? '–')));
@@ -34,9 +40,10 @@ function table(label, entries, projects, last) {
 export function portsView({ overview }) {
   const { ports } = overview;
   const projects = new Map(overview.projects.map(({ path, name }) => [path, name]));
-  const own = ports.filter((entry) => entry.own && entry.process);
-  const others = ports.filter((entry) => !entry.own || !entry.process);
-  const programs = new Set(own.map(({ process }) => process.pid)).size;
+  const isOwn = (entry) => Boolean((entry.own && entry.process) || entry.container);
+  const own = ports.filter(isOwn);
+  const others = ports.filter((entry) => !isOwn(entry));
+  const programs = new Set(own.map(({ process, container }) => container?.name ?? process.pid)).size;
   return [
     pageHead('Ports', own.length > 0 ? `${count(own.length, 'port')} held by ${count(programs, 'program')} of yours` : 'The TCP ports on which programs of this machine listen.'),
     own.length > 0 ? table('Your ports', own, projects, 'Process')

@@ -2,9 +2,9 @@ import { saveProject } from '../actions.js';
 import { h } from '../dom.js';
 import { icon } from '../icons.js';
 import { logView } from '../log-view.js';
-import { copyable, empty, glyph, portLink, runButton, section, spinner, status } from '../parts.js';
+import { containerStatus, copyable, empty, glyph, pathText, portLink, runButton, section, spinner, status } from '../parts.js';
 import { store } from '../store.js';
-import { clock, shortPath } from '../text.js';
+import { clock, period } from '../text.js';
 
 function notices(project) {
   const troubles = [project.problem, ...(project.run?.ended ? project.run.hints ?? [] : [])].filter(Boolean);
@@ -43,12 +43,21 @@ function facts(project) {
     h('dt', null, 'Version'), h('dd', null, project.version ?? '–'),
     h('dt', null, 'Found by'), h('dd', null, manifests.join(', ')),
     run && !run.ended && [h('dt', null, 'Started'), h('dd', null, clock(run.startedAt)), h('dt', null, 'Process'), h('dd', { class: 'mono' }, String(run.pid))],
-    run?.ended && [h('dt', null, 'Last run'), h('dd', null, `${clock(run.startedAt)} – ${clock(run.endedAt)}`)]);
+    run?.ended && [h('dt', null, 'Last run'), h('dd', null, period(run.startedAt, run.endedAt))]);
 }
 
 function portsOf({ ports, appRunning, running }) {
   if (ports.length > 0) return h('div', { class: 'chips' }, ports.map(portLink));
   return h('p', { class: 'hint' }, appRunning ? 'It listens on no port yet.' : running ? '' : 'None while it is not running.');
+}
+
+function containersOf(path, { docker }) {
+  const own = docker.containers.filter(({ project }) => project === path);
+  if (own.length === 0) return null;
+  return section('Containers', h('a', { class: 'link', href: '#/docker' }, 'Show all'),
+    h('ul', { class: 'stack-small' }, own.map((container) => h('li', { class: 'between', key: container.id },
+      containerStatus(container, container.name),
+      h('span', { class: 'chips' }, container.ports.map(({ port }) => portLink(port)))))));
 }
 
 export function projectView({ overview, route }) {
@@ -64,8 +73,8 @@ export function projectView({ overview, route }) {
     h('div', { class: 'head', key: 'head' },
       glyph(project.kind, true),
       h('div', { class: 'head-text' },
-        h('h1', null, project.name, project.version && h('span', { class: 'version' }, project.version)),
-        h('div', { class: 'head-line' }, status(project), copyable(path, shortPath(path, store.overview.home)))),
+        h('h1', null, project.name, project.version && [' ', h('span', { class: 'version' }, project.version)]),
+        h('div', { class: 'head-line' }, status(project), copyable(path, pathText(path, store.overview.home)))),
       h('div', { class: 'actions' }, runButton(project, { isPrimary: true }))),
     notices(project),
     h('div', { class: 'columns', key: 'columns' },
@@ -75,6 +84,7 @@ export function projectView({ overview, route }) {
       h('div', { class: 'aside' },
         section('Ports', null, portsOf(project)),
         section('Start command', null, commandForm(project)),
+        containersOf(path, overview.services),
         section('Menu bar', null, h('label', { class: 'switch-row' },
           h('span', null, 'Show in the menu bar'),
           h('input', {

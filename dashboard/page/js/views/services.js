@@ -1,7 +1,7 @@
 import { h } from '../dom.js';
 import { icon } from '../icons.js';
-import { copyable, pageHead, spinner } from '../parts.js';
-import { count, listed, shortPath } from '../text.js';
+import { copyable, pageHead, pathText, spinner } from '../parts.js';
+import { amount, count, listed } from '../text.js';
 
 function servers(title, sign, entries, none) {
   return h('section', { class: 'panel', 'aria-label': title, key: title },
@@ -34,8 +34,8 @@ function redisLine({ port, product, version, keys, needsPassword }, docker) {
 function engine({ available, reason, version, socket, containers = [] }, home) {
   const running = containers.filter(({ state }) => state === 'running');
   const text = available
-    ? [h('li', { key: 'engine' }, h('span', { class: 'strong' }, version ? `Engine ${version}` : 'Engine'), copyable(socket, shortPath(socket, home)),
-      h('a', { class: 'link', href: '#/docker' }, `${running.length} of ${count(containers.length, 'container')} running`))]
+    ? [h('li', { key: 'engine' }, h('span', { class: 'strong' }, version ? `Engine ${version}` : 'Engine'), copyable(socket, pathText(socket, home)),
+      h('a', { class: 'link', href: '#/docker' }, `${amount(running.length)} of ${count(containers.length, 'container')} running`))]
     : [];
   return h('section', { class: 'panel', 'aria-label': 'Containers', key: 'containers' },
     h('div', { class: 'panel-head' }, h('span', { class: 'sign' }, icon('docker')), h('h2', null, 'Containers'),

@@ -1,14 +1,13 @@
 import { askForFolder, saveFolders } from '../actions.js';
 import { h } from '../dom.js';
 import { icon } from '../icons.js';
-import { copyable, pageHead, section } from '../parts.js';
+import { copyable, pageHead, pathText, section } from '../parts.js';
 import { store } from '../store.js';
-import { shortPath } from '../text.js';
 
 function folderLine({ path, exists }, folders, home) {
   const remove = () => saveFolders(folders.filter((folder) => folder.path !== path && folder.exists).map((folder) => folder.path));
   return h('li', { key: path }, icon('folder'),
-    h('span', { class: 'mono grow clip', title: path }, shortPath(path, home)),
+    h('span', { class: 'mono grow' }, pathText(path, home)),
     !exists && h('span', { class: 'status off' }, 'Not there'),
     h('button', { class: 'button quiet square small', type: 'button', 'aria-label': `Do not look in ${path}`, onClick: remove }, icon('close', 14)));
 }
@@ -27,8 +26,7 @@ export function settingsView({ overview }) {
           foldersAreDefault ? 'These are the usual places.' : h('button', { class: 'link', type: 'button', onClick: () => saveFolders(null) }, 'Go back to the usual places'))),
       section('Menu bar', null, h('p', { class: 'hint' }, 'Running projects are listed in the menu bar. To leave one out, open the project and turn off “Show in the menu bar”.')),
       about && section('Where things are', null, h('dl', { class: 'panel facts padded' },
-        h('dt', null, 'Settings'), h('dd', null, copyable(`${about.dataDirectory}/settings.json`, shortPath(`${about.dataDirectory}/settings.json`, home))),
-        h('dt', null, 'Output of projects'), h('dd', null, copyable(`${about.dataDirectory}/logs/projects`, shortPath(`${about.dataDirectory}/logs/projects`, home))),
-        h('dt', null, 'Server log'), h('dd', null, copyable(about.log, shortPath(about.log, home)))))),
+        [['Settings', `${about.dataDirectory}/settings.json`], ['Output of projects', `${about.dataDirectory}/logs/projects`], ['Server log', about.log]]
+          .map(([what, path]) => [h('dt', null, what), h('dd', null, copyable(path, pathText(path, home)))])))),
   ];
 }

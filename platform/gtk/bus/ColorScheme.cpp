@@ -1,4 +1,6 @@
-#include "platform/gtk/window/ColorScheme.h"
+#include "platform/gtk/bus/ColorScheme.h"
+
+#include "platform/gtk/bus/Portal.h"
 
 #include <string_view>
 #include <utility>
@@ -7,9 +9,7 @@ namespace harbrook::gtk {
 
 namespace {
 
-constexpr auto portalName = "org.freedesktop.portal.Desktop";
-constexpr auto portalPath = "/org/freedesktop/portal/desktop";
-constexpr auto portalInterface = "org.freedesktop.portal.Settings";
+constexpr auto settingsInterface = "org.freedesktop.portal.Settings";
 constexpr auto appearanceNamespace = "org.freedesktop.appearance";
 constexpr auto colorSchemeKey = "color-scheme";
 constexpr auto desktopSchema = "org.gnome.desktop.interface";
@@ -19,11 +19,12 @@ constexpr auto desktopSchema = "org.gnome.desktop.interface";
 DesktopColorScheme::DesktopColorScheme(std::function<void()> changed)
     : changed_(std::move(changed)), pending_(GObjectPtr<GCancellable>::adopt(g_cancellable_new())) {
     readSettingsSchema();
-    askPortal();
+    lookForPortal();
 }
 
 DesktopColorScheme::~DesktopColorScheme() {
     g_cancellable_cancel(pending_.get());
+    if (watch_) g_bus_unwatch_name(watch_);
     if (subscription_) g_dbus_connection_signal_unsubscribe(bus_.get(), subscription_);
 }
 
@@ -51,19 +52,19 @@ void DesktopColorScheme::readSettingsSchema() {
     read(settings_.get(), colorSchemeKey, this);
 }
 
-void DesktopColorScheme::askPortal() {
+void DesktopColorScheme::lookForPortal() {
     // A cancelled call is called back too, but with an error: by then there may be no receiver.
     const auto gotBus = [](GObject* /*source*/, GAsyncResult* result, void* self) noexcept {
         GError* failure = nullptr;
         auto bus = GObjectPtr<GDBusConnection>::adopt(g_bus_get_finish(result, &failure));
         const GErrorPtr error(failure);
-        if (bus) static_cast<DesktopColorScheme*>(self)->listenToPortal(bus.get());
+        if (bus) static_cast<DesktopColorScheme*>(self)->listenToPortal(std::move(bus));
     };
     g_bus_get(G_BUS_TYPE_SESSION, pending_.get(), gotBus, this);
 }
 
-void DesktopColorScheme::listenToPortal(GDBusConnection* bus) {
-    bus_ = GObjectPtr<GDBusConnection>::share(bus);
+void DesktopColorScheme::listenToPortal(GObjectPtr<GDBusConnection> bus) {
+    bus_ = std::move(bus);
     const auto settingChanged = [](GDBusConnection*, const char*, const char*, const char*, const char*,
                                    GVariant* parameters, void* self) noexcept {
         const char* group = nullptr;
@@ -76,9 +77,16 @@ void DesktopColorScheme::listenToPortal(GDBusConnection* bus) {
             static_cast<DesktopColorScheme*>(self)->portalSays(value);
     };
     subscription_ = g_dbus_connection_signal_subscribe(
-        bus, portalName, portalInterface, "SettingChanged", portalPath, appearanceNamespace,
+        bus_.get(), portal::name, settingsInterface, "SettingChanged", portal::path, appearanceNamespace,
         G_DBUS_SIGNAL_FLAGS_NONE, settingChanged, this, nullptr);
+    const auto appeared = [](GDBusConnection*, const char*, const char*, void* self) noexcept {
+        static_cast<DesktopColorScheme*>(self)->askPortal();
+    };
+    watch_ = g_bus_watch_name_on_connection(
+        bus_.get(), portal::name, G_BUS_NAME_WATCHER_FLAGS_AUTO_START, appeared, nullptr, this, nullptr);
+}
 
+void DesktopColorScheme::askPortal() {
     const auto answered = [](GObject* source, GAsyncResult* result, void* self) noexcept {
         GError* failure = nullptr;
         const GVariantPtr answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &failure));
@@ -90,9 +98,9 @@ void DesktopColorScheme::listenToPortal(GDBusConnection* bus) {
         static_cast<DesktopColorScheme*>(self)->portalSays(value);
     };
     g_dbus_connection_call(
-        bus, portalName, portalPath, portalInterface, "Read",
+        bus_.get(), portal::name, portal::path, settingsInterface, "Read",
         g_variant_new("(ss)", appearanceNamespace, colorSchemeKey), G_VARIANT_TYPE("(v)"),
-        G_DBUS_CALL_FLAGS_NONE, -1, pending_.get(), answered, this);
+        G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, pending_.get(), answered, this);
 }
 
 void DesktopColorScheme::portalSays(GVariant* value) {

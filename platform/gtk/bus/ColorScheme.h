@@ -14,8 +14,9 @@ enum class ColorScheme { noPreference, dark, light };
 /// it answers, and where there is none, the desktop's own settings schema has it. Main thread.
 class DesktopColorScheme {
 public:
-    /// Calls `changed` whenever the choice becomes another one. Asks the portal without waiting for it: a
-    /// portal that is stalled, or a bus that is dead, changes nothing but that no answer comes.
+    /// Calls `changed` whenever the choice becomes another one, and maybe already before it returns. Asks the
+    /// portal, now and whenever one comes, without waiting for it: a portal that is stalled, or a bus that is
+    /// dead, changes nothing but that no answer comes.
     explicit DesktopColorScheme(std::function<void()> changed);
     DesktopColorScheme(const DesktopColorScheme&) = delete;
     DesktopColorScheme& operator=(const DesktopColorScheme&) = delete;
@@ -25,8 +26,9 @@ public:
 
 private:
     void readSettingsSchema();
+    void lookForPortal();
+    void listenToPortal(GObjectPtr<GDBusConnection> bus);
     void askPortal();
-    void listenToPortal(GDBusConnection* bus);
     void portalSays(GVariant* value);
     void become(ColorScheme scheme);
 
@@ -37,6 +39,7 @@ private:
     SignalConnections connections_;
     GObjectPtr<GDBusConnection> bus_;
     guint subscription_ = 0;
+    guint watch_ = 0;
     GObjectPtr<GCancellable> pending_;
 };
 

@@ -1,0 +1,91 @@
+#!/usr/bin/python3
+"""Takes the program's place in the tests of the runner, and has the weakness that its arguments name.
+
+It ends at SIGTERM. At SIGUSR1 it does once what is to be noticed as a leak.
+"""
+
+import os
+import signal
+import subprocess
+import sys
+import threading
+import time
+from pathlib import Path
+
+from Xlib import X, Xatom
+from Xlib.display import Display
+from Xlib.protocol import event
+
+leaked = []
+
+
+def leak(kind):
+    if kind == "descriptors":
+        leaked.append(open("/dev/null"))
+    if kind == "threads":
+        threading.Thread(target=threading.Event().wait, daemon=True).start()
+    if kind == "memory":
+        leaked.append(os.urandom(8 << 20))
+
+
+def write_log(lines):
+    log = Path(os.environ["HOME"]) / ".harbrook" / "logs" / "server.log"
+    log.parent.mkdir(parents=True, exist_ok=True)
+    log.write_text(lines)
+
+
+def spin():
+    while True:
+        pass
+
+
+class AnsweringWindow:
+    """A window whose program answers _NET_WM_PING, each time after so many seconds."""
+
+    def __init__(self, delay):
+        self._delay = delay
+        self._display = Display()
+        self._root = self._display.screen().root
+        self._protocols = self._display.intern_atom("WM_PROTOCOLS")
+        window = self._root.create_window(10, 10, 200, 100, 0, X.CopyFromParent)
+        window.set_wm_protocols([self._display.intern_atom("_NET_WM_PING")])
+        window.change_property(self._display.intern_atom("_NET_WM_PID"), Xatom.CARDINAL, 32, [os.getpid()])
+        window.map()
+        self._display.flush()
+
+    def answer(self):
+        while True:
+            happened = self._display.next_event()
+            if happened.type != X.ClientMessage or happened.client_type != self._protocols:
+                continue
+            time.sleep(self._delay)
+            answer = event.ClientMessage(window=self._root, client_type=self._protocols, data=happened.data)
+            self._root.send_event(answer, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+            self._display.flush()
+
+
+def main(weakness, value=""):
+    # The handler runs on the main thread, at once: that thread only waits.
+    signal.signal(signal.SIGUSR1, lambda *_: leak(value))
+    status = {"crash": -1, "status": 3}.get(weakness, 0)
+    if weakness == "deaf":
+        signal.signal(signal.SIGTERM, signal.SIG_IGN)
+    else:
+        signal.signal(signal.SIGTERM, lambda *_: os._exit(status) if status >= 0 else os.abort())
+    if weakness == "orphan":
+        subprocess.Popen(["sleep", "600"], start_new_session=True)
+    if weakness == "log":
+        write_log(value)
+    if weakness == "complaint":
+        print(value, flush=True)
+    if weakness == "window":
+        threading.Thread(target=AnsweringWindow(float(value)).answer, daemon=True).start()
+    if weakness == "restless":
+        threading.Thread(target=spin, daemon=True).start()
+    (Path(os.environ["HOME"]) / "ready").touch()
+    while True:
+        signal.pause()
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
