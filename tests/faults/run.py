@@ -76,11 +76,11 @@ def main():
     for name, counts in try_all(faults, given.jobs):
         tried[name] = counts
         tell(name, counts)
+        if given.write:
+            report.write(given.write, {name: table.row(name, counts)}, list(FAULTS))
     rows = {name: table.row(name, tried[name]) for name in faults}
     print()
     print(table.table(rows.values()))
-    if given.write:
-        report.write(given.write, rows, list(FAULTS))
     failed = sum(bool(counts.failures) for counts in tried.values())
     not_tried = sum(counts.not_tried is not None for counts in tried.values())
     left_out = f", {not_tried} not tried" if not_tried else ""
