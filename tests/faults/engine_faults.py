@@ -53,19 +53,26 @@ def kill_for_a_page(trial, shell, server, name):
     trial.expect(server.evaluate("first.token !== null && first.native"), "the page came back without its token")
 
 
+def run(server, script):
+    """Runs a script that may keep the page from saying what became of it."""
+    server.do({"do": "evaluate", "id": 0, "script": script})
+
+
 def answering(trial, shell):
     return trial.answering(shell, ENGINE_START)
 
 
 def kill_during_load(shell, server, name):
-    """Kills the process while a page is on its way, and waits for the next."""
-    loaded, seen = len(server.all("page")), len(server.events)
+    """Kills the process while a page is on its way, and waits for the next attempt and its page."""
+    seen = len(server.events)
     server.answer("/", **SLOW)
-    server.evaluate("void setTimeout(() => location.reload(), 0)")
+    run(server, "location.reload()")
     server.wait_for_request("/", after=seen)
     server.answer("/", **QUICK)
+    seen = len(server.events)
     kill(shell, name)
-    server.wait_for_page(loaded + 1)
+    attempt = server.wait_for_request("/", after=seen)
+    server.wait_for("page", after=server.events.index(attempt, seen))
 
 
 @fault("the web process is killed", quick=1, whole=50)
@@ -116,7 +123,7 @@ def network_process_killed(trial):
         for _ in trial.rounds():
             kill_for_a_page(trial, shell, server, NETWORK)
             loaded = len(server.all("page"))
-            server.evaluate("void setTimeout(() => location.reload(), 0)")
+            run(server, "location.reload()")
             server.wait_for_page(loaded + 1)
     trial.quit(shell)
 
@@ -136,7 +143,7 @@ def page_hangs(trial):
     for number in trial.rounds():
         shell, server, panel = in_panel(trial)
         polls = Polls(server)
-        server.evaluate("void setTimeout(() => { for (;;); }, 0)")
+        run(server, "for (;;);")
         with trial.answering(shell):
             server.answer(STATE, **snapshot(number + 1))
             polls.times(1)

@@ -15,13 +15,17 @@ from Xlib.protocol import event
 INTERVAL = 0.02
 SILENCE = 10.0
 
+# See Holdings.
+UNCOUNTED = ("/proc/", "/sys/", "/memfd:WebKitSharedMemory")
+
 
 @dataclass(frozen=True)
 class Holdings:
     """What a process holds: open descriptors, threads, and memory that is its own (KiB).
 
-    Descriptors of the system's own figures do not count: some seconds after its start the engine opens a few of these,
-    once, to watch how much memory is left.
+    Some descriptors do not count: those of the system's own figures, a few of which the engine opens once, some seconds
+    after its start, to watch how much memory is left; and those of its pictures of the page, of which there are one to
+    three at a time. Too many pictures would show as memory.
     """
 
     descriptors: int
@@ -33,7 +37,7 @@ class Holdings:
         rollup = Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]
         sizes = {line.split(":")[0]: int(line.split()[1]) for line in rollup}
         return Holdings(
-            descriptors=sum(not target.startswith(("/proc/", "/sys/")) for target in _open(pid)),
+            descriptors=sum(not target.startswith(UNCOUNTED) for target in _open(pid)),
             threads=len(os.listdir(f"/proc/{pid}/task")),
             memory=sizes["Private_Clean"] + sizes["Private_Dirty"] + sizes.get("Swap", 0),
         )

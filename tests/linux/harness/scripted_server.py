@@ -135,6 +135,8 @@ class RequestHandler(BaseHTTPRequestHandler):
         if self.path == "/agent/result":
             self.site.channel.tell("result", **json.loads(body))
             return self.answer({"body": "{}"})
+        # Before the test hears of the request, and may change what the next one is answered.
+        answer = self.site.answers.get(self.path.split("?")[0], {"status": 404, "body": "{}"})
         self.site.channel.tell(
             "request",
             method=self.command,
@@ -142,7 +144,7 @@ class RequestHandler(BaseHTTPRequestHandler):
             headers=[[name, value] for name, value in self.headers.items()],
             body=body.decode(errors="replace"),
         )
-        return self.answer(self.site.answers.get(self.path.split("?")[0], {"status": 404, "body": "{}"}))
+        return self.answer(answer)
 
     do_GET = do_POST = do_PUT = do_DELETE = do_HEAD = handle_any
 
