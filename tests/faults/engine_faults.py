@@ -11,8 +11,8 @@ from clock import Clock
 from matrix import fault
 from polls import STATE, Polls, in_panel, refresh, snapshot
 
-# While the sandbox of a new process of the engine's is made, the engine's library keeps the main thread waiting: 70 ms on
-# two processors, and longer where these are busy.
+# The engine's library prepares a new process and its sandbox on the thread that asks: 10 to 70 ms on two processors,
+# and longer where these are busy.
 ENGINE_START = 0.25
 # Where it draws without a graphics device, the engine holds one to three pictures of the page in the program's memory
 # (KiB), which come and go with its process.

@@ -29,7 +29,7 @@ class Caller:
         )
 
     def _answered(self, connection, result, *_):
-        answer, _serial = connection.send_message_with_reply_finish(result), None
+        answer = connection.send_message_with_reply_finish(result)
         with self._changed:
             self._open -= 1
             self._refused += answer.get_message_type() == Gio.DBusMessageType.ERROR

@@ -93,7 +93,8 @@ def suspended(trial):
         for number in trial.rounds():
             polls.times(1)
             # As when the machine sleeps, and as when only these two are stopped.
-            with stopped([shell.pid, *(one.pid for one in descendants(shell.pid))] if number % 2 else [shell.pid, server.pid]):
+            below = [one.pid for one in descendants(shell.pid)] if number % 2 else [server.pid]
+            with stopped([shell.pid, *below]):
                 time.sleep(2.5 * INTERVAL / SUSPENSION_RATE)
                 polls.skip()
             with trial.answering(shell):
