@@ -104,8 +104,8 @@ def malformed(rows):
     )
 
 
-# The allocator of each thread keeps room for the largest calls that it has met. Were the calls themselves kept, that
-# would be five thousand KiB a round.
+# The allocator of each thread keeps room for the largest calls that it has met, and for the most that it had at a time.
+# Were the calls themselves kept, that would be five thousand KiB a round of those below.
 ROOM_FOR_CALLS = 40_000
 
 
@@ -148,7 +148,7 @@ def menu_flooded(trial):
         trial.expect(caller.wait_for_answers() == 0, "a call was refused")
 
     flood()
-    with trial.keeping(shell), trial.answering(shell):
+    with trial.keeping(shell, ROOM_FOR_CALLS), trial.answering(shell):
         for _ in trial.rounds():
             flood()
     caller.close()

@@ -225,7 +225,7 @@ def test_the_status_menu_leads_to_the_page_of_a_project(shell, dashboard, page, 
     menu.click("shop", "Show in Harbrook")
     shell.window()
     page.wait_for(re.compile("shop.*"), HEADING)
-    page.wait_for_text("$ npm run start", f"Open on {port}")
+    page.wait_for_text("~/projects/shop", "$ npm run start", f"Open on {port}")
 
 
 def test_a_project_can_be_kept_out_of_the_status_menu(dashboard, page, menu):

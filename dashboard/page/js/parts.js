@@ -77,12 +77,9 @@ export function status(project) {
   return h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text);
 }
 
-/** A path that gives way in its middle when there is little room: its last part says most. */
+/** A path that is cut at its start when there is little room: its last part says most. */
 export function pathText(path, home) {
-  const shown = shortPath(path, home);
-  const cut = shown.lastIndexOf('/') + 1;
-  return h('span', { class: 'path', title: path },
-    h('span', { class: 'path-start' }, shown.slice(0, cut)), h('span', { class: 'path-end' }, shown.slice(cut)));
+  return h('span', { class: 'path', title: path }, h('bdi', null, shortPath(path, home)));
 }
 
 const CONTAINER_TONES = { running: 'good', restarting: 'wait', paused: 'wait', dead: 'bad' };

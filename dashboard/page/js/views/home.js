@@ -1,6 +1,6 @@
 import { askForFolder } from '../actions.js';
 import { h } from '../dom.js';
-import { empty, glyph, pageHead, pathText, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
+import { empty, glyph, pageHead, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { store, update } from '../store.js';
 import { amount, count, folderOf, listed, shortPath } from '../text.js';
@@ -50,7 +50,7 @@ function row(project, home) {
     h('div', { class: 'two-lines grow' },
       h('a', { class: 'cover strong', href: hashOfProject(project.path), 'data-step': true }, project.name,
         project.version && [' ', h('span', { class: 'version' }, project.version)]),
-      h('span', { class: 'faint' }, pathText(folderOf(project.path), home))),
+      h('span', { class: 'faint clip', title: project.path }, shortPath(folderOf(project.path), home))),
     project.problem && tone === 'off' && h('span', { class: 'status bad' }, h('span', { class: 'dot', 'aria-hidden': 'true' }), 'Broken manifest'),
     tone !== 'off' && h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text),
     project.ports.length > 0 && portLinks(project.ports),
