@@ -3,7 +3,9 @@
 A matrix that cannot fail would be worth nothing.
 """
 
+import os
 import signal
+import subprocess
 import sys
 from pathlib import Path
 
@@ -96,6 +98,15 @@ def test_a_process_that_is_left_behind_is_reported_and_ended(trial, start):
     assert trial.counts.left_behind == 1
     assert "sleep" in failures(trial)
     assert not shell.processes()
+
+
+def test_a_process_with_the_number_of_an_ended_program_is_no_orphan(trial, start):
+    shell = start()
+    trial.quit(shell)
+    shell.program.pid = os.getpid()
+    with subprocess.Popen(["sleep", "600"]) as child:
+        assert not shell.processes()
+        child.kill()
 
 
 @pytest.mark.parametrize("words", ["a CRITICAL mistake", "AddressSanitizer: leak", "terminate called after"])

@@ -7,7 +7,7 @@ import subprocess
 import uuid
 from pathlib import Path
 
-from .processes import descendants, end_marked, is_alive, marked
+from .processes import descendants, end_marked, marked
 from .server import PROGRAM, Plan, Switchboard
 from .waiting import PATIENCE, wait_until
 
@@ -120,7 +120,9 @@ class Shell:
 
     def processes(self):
         """Everything that the program started and that lives, itself included."""
-        below = [one for program in self.programs if is_alive(program.pid) for one in descendants(program.pid)]
+        # The number of a program that has ended may be another's by now.
+        running = [program.pid for program in self.programs if program.poll() is None]
+        below = [one for pid in running for one in descendants(pid)]
         return list({one.pid: one for one in [*marked(MARK, self.mark), *below]}.values())
 
     def web_processes(self):
