@@ -6,7 +6,7 @@ from harness.server import READY, Plan, announce, drain, last_words, say_bytes, 
 
 from checks import expect_log_digest, expect_log_is
 from matrix import GROWTH, fault
-from watch import Holdings
+from watch import Holdings, settled
 
 MEGABYTE = 1_000_000
 
@@ -19,7 +19,7 @@ def flood(trial, shell, size):
     server.wait_for_page()
     server.wait_for_request("/api/state")
     announced = len(f"HARBROOK_PORT {server.port}\n")
-    before = Holdings.of(shell.pid)
+    before = settled(shell.pid)
     with trial.answering(shell):
         server.do({"do": "flood-numbered", "size": size})
         flooded = server.wait_for("flooded", within=120)

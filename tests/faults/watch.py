@@ -11,6 +11,8 @@ from Xlib import X
 from Xlib.display import Display
 from Xlib.protocol import event
 
+from harness.waiting import wait_until
+
 # How often the window is asked, and when it counts as one that does not answer at all, in seconds.
 INTERVAL = 0.02
 SILENCE = 10.0
@@ -51,6 +53,23 @@ def _open(pid):
             yield os.readlink(folder / entry)
         except FileNotFoundError:
             pass  # closed since
+
+
+def settled(pid, pause=0.5):
+    """What a process holds once it has taken no more memory for so many seconds: when its start is over, with the first
+    pictures of its window."""
+    held, since = Holdings.of(pid), time.monotonic()
+
+    def rests():
+        nonlocal held, since
+        now = Holdings.of(pid)
+        if now.memory > held.memory:
+            since = time.monotonic()
+        held = now
+        return time.monotonic() - since >= pause
+
+    wait_until("its memory rests", rests)
+    return held
 
 
 def waited_for_processor(pid, thread=None):
