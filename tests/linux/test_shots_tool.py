@@ -34,7 +34,9 @@ def shots(make_shell, tmp_path):
             # The scripted server speaks to this test by a socket that would be out of sight.
             "HARBROOK_SHOTS_INSIDE": "1",
         }
-        command = [REPOSITORY / "script" / "shots", "--program", program or shell.executable, *options]
+        # In the background of a shell, where these tests may run, interrupts are ignored.
+        listening = ["env", "--default-signal=INT"]
+        command = [*listening, REPOSITORY / "script" / "shots", "--program", program or shell.executable, *options]
         return subprocess.Popen(
             [*command, tmp_path / "list.json"], env=environment, stderr=subprocess.PIPE, text=True
         )
