@@ -2,6 +2,7 @@
 
 import os
 import signal
+from contextlib import contextmanager
 
 from harness.page import page
 from harness.server import Plan
@@ -75,32 +76,34 @@ def kill_during_load(shell, server, name):
     server.wait_for("page", after=server.events.index(attempt, seen))
 
 
+@contextmanager
+def killing(trial, name):
+    """A shell that has lost a process of that kind once, so that it has what it needs for that, and its server."""
+    shell, server = started(trial)
+    kill_for_a_page(trial, shell, server, name)
+    with trial.keeping(shell, PICTURES), answering(trial, shell):
+        yield shell, server
+    trial.quit(shell)
+
+
 @fault("the web process is killed", quick=1, whole=50)
 def web_process_killed(trial):
-    shell, server = started(trial)
-    kill_for_a_page(trial, shell, server, WEB)
-    with trial.keeping(shell, PICTURES), answering(trial, shell):
+    with killing(trial, WEB) as (shell, server):
         for _ in trial.rounds():
             kill_for_a_page(trial, shell, server, WEB)
-    trial.quit(shell)
 
 
 @fault("the web process is killed during a load", quick=0, whole=20)
 def web_process_killed_during_load(trial):
-    shell, server = started(trial)
-    kill_for_a_page(trial, shell, server, WEB)
-    with trial.keeping(shell, PICTURES), answering(trial, shell):
+    with killing(trial, WEB) as (shell, server):
         for _ in trial.rounds():
             kill_during_load(shell, server, WEB)
-    trial.quit(shell)
 
 
 @fault("the web process is killed at every attempt", quick=0, whole=50)
 def each_web_process_killed(trial):
     """A round is one more process that asks for the page and does not live to show it."""
-    shell, server = started(trial)
-    kill_for_a_page(trial, shell, server, WEB)
-    with trial.keeping(shell, PICTURES), answering(trial, shell):
+    with killing(trial, WEB) as (shell, server):
         server.answer("/", **SLOW)
         seen = len(server.events)
         kill(shell, WEB)
@@ -111,31 +114,24 @@ def each_web_process_killed(trial):
         loaded = len(server.all("page"))
         server.answer("/", **QUICK)
         server.wait_for_page(loaded + 1)
-    trial.quit(shell)
 
 
 @fault("the network process is killed", quick=0, whole=50)
 def network_process_killed(trial):
     """The page stays, and what it asks for next is answered."""
-    shell, server = started(trial)
-    kill_for_a_page(trial, shell, server, NETWORK)
-    with trial.keeping(shell, PICTURES), answering(trial, shell):
+    with killing(trial, NETWORK) as (shell, server):
         for _ in trial.rounds():
             kill_for_a_page(trial, shell, server, NETWORK)
             loaded = len(server.all("page"))
             run(server, "location.reload()")
             server.wait_for_page(loaded + 1)
-    trial.quit(shell)
 
 
 @fault("the network process is killed during a load", quick=0, whole=20)
 def network_process_killed_during_load(trial):
-    shell, server = started(trial)
-    kill_for_a_page(trial, shell, server, NETWORK)
-    with trial.keeping(shell, PICTURES), answering(trial, shell):
+    with killing(trial, NETWORK) as (shell, server):
         for _ in trial.rounds():
             kill_during_load(shell, server, NETWORK)
-    trial.quit(shell)
 
 
 @fault("the page hangs in an endless loop", quick=1, whole=20)
