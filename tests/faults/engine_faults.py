@@ -11,6 +11,7 @@ from harness.waiting import wait_until
 from clock import Clock
 from matrix import fault
 from polls import STATE, Polls, in_panel, refresh, snapshot
+from watch import settled
 
 # The engine's library prepares a new process and its sandbox on the thread that asks: 10 to 70 ms on two processors,
 # and longer where these are busy.
@@ -81,6 +82,7 @@ def killing(trial, name):
     """A shell that has lost a process of that kind once, so that it has what it needs for that, and its server."""
     shell, server = started(trial)
     kill_for_a_page(trial, shell, server, name)
+    settled(shell.pid)
     with trial.keeping(shell, PICTURES), answering(trial, shell):
         yield shell, server
     trial.quit(shell)
