@@ -11,7 +11,6 @@ from harness.waiting import wait_until
 from clock import Clock
 from matrix import fault
 from polls import STATE, Polls, in_panel, refresh, snapshot
-from watch import settled
 
 # The engine's library prepares a new process and its sandbox on the thread that asks: 10 to 70 ms on two processors,
 # and longer where these are busy.
@@ -33,6 +32,7 @@ def started(trial):
     shell = trial.shell()
     server = trial.start(shell)
     server.wait_for_page()
+    shell.wait_until_drawn()
     refresh(server)
     server.wait_for_request(STATE)
     return shell, server
@@ -82,7 +82,6 @@ def killing(trial, name):
     """A shell that has lost a process of that kind once, so that it has what it needs for that, and its server."""
     shell, server = started(trial)
     kill_for_a_page(trial, shell, server, name)
-    settled(shell.pid)
     with trial.keeping(shell, PICTURES), answering(trial, shell):
         yield shell, server
     trial.quit(shell)
@@ -172,10 +171,11 @@ def loads_fail(trial):
     shell = trial.shell(Plan(answers={"/": {"drop": True}}))
     Clock(shell, monotonic=True, rate=FAST)
     server = trial.start(shell)
-    attempts = Attempts(server)
+    warm_up = Attempts(server)
     for _ in range(10):
-        attempts.wait()
+        warm_up.wait()
     with trial.keeping(shell), trial.answering(shell):
+        attempts = Attempts(server)
         for _ in trial.rounds():
             attempts.wait()
     server.answer("/", **QUICK)

@@ -4,6 +4,7 @@
 It ends at SIGTERM. At SIGUSR1 it does once what is to be noticed as a leak.
 """
 
+import mmap
 import os
 import signal
 import subprocess
@@ -26,6 +27,14 @@ def leak(kind):
         threading.Thread(target=threading.Event().wait, daemon=True).start()
     if kind == "memory":
         leaked.append(os.urandom(8 << 20))
+
+
+def read_mapped(name):
+    """Maps a file, as libraries are, and reads all of it."""
+    with open(name, "rb") as file:
+        mapped = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
+    assert not mapped[:].strip(b"\0")
+    return mapped
 
 
 def write_log(lines):
@@ -76,6 +85,8 @@ def main(weakness, value=""):
         subprocess.Popen(["sleep", "600"], start_new_session=True)
     if weakness == "log":
         write_log(value)
+    if weakness == "mapping":
+        leaked.append(read_mapped(value))
     if weakness == "complaint":
         print(value, flush=True)
     if weakness == "window":

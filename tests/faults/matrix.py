@@ -9,7 +9,7 @@ from harness.server import Plan
 from harness.shell import Shell
 from harness.waiting import NeverHappened, wait_until
 
-from watch import Holdings, Pulse
+from watch import Holdings, Pulse, settled
 
 # What has to hold: the window answers within this many seconds, ...
 ANSWER = 0.1
@@ -179,11 +179,11 @@ class Trial:
 
     @contextmanager
     def keeping(self, shell, growth=GROWTH):
-        """What the program holds at the end is what it held at the beginning.
+        """What the program holds at the end is what it held at the beginning, when its start was over.
 
-        Begin when the program has warmed up: what is allocated once is no leak.
+        Begin when the program has warmed up: what is allocated once is no leak. If it has a page, that is on the screen.
         """
-        before = Holdings.of(shell.pid)
+        before = settled(shell.pid)
         yield
         if not self.expect_running(shell):
             return

@@ -17,6 +17,7 @@ BESIDE_THE_TEXT = 0.005
 def flood(trial, shell, size):
     server = trial.start(shell)
     server.wait_for_page()
+    shell.wait_until_drawn()
     server.wait_for_request("/api/state")
     announced = len(f"HARBROOK_PORT {server.port}\n")
     before = settled(shell.pid)

@@ -54,6 +54,7 @@ def in_panel(trial, shell=None):
     panel = Panel(shell.desktop)
     server = trial.start(shell)
     server.wait_for_page()
+    shell.wait_until_drawn()
     refresh(server)
     panel.wait_for_count(0)
     return shell, server, panel

@@ -110,6 +110,7 @@ def polling_in_vain(trial):
             panel.expect_start()
             server = trial.start(shell)
             server.wait_for_page()
+            shell.wait_until_drawn()
             panel.wait_until_reachable()
             port = server.port
             with trial.keeping(shell), trial.answering(shell):
@@ -131,6 +132,7 @@ def stopped_for_a_while(trial):
         panel.expect_start()
         server = trial.start(shell)
         server.wait_for_page()
+        shell.wait_until_drawn()
         panel.wait_until_reachable()
         with trial.keeping(shell):
             before = Holdings.of(shell.pid).descriptors

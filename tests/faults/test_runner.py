@@ -7,6 +7,7 @@ import os
 import signal
 import subprocess
 import sys
+import tempfile
 from pathlib import Path
 
 import pytest
@@ -17,6 +18,7 @@ sys.path[:0] = [str(HERE), str(HERE.parent / "linux")]
 import checks  # noqa: E402
 import report  # noqa: E402
 import table  # noqa: E402
+from fake_program import read_mapped  # noqa: E402
 from harness.desktop import Desktop  # noqa: E402
 from harness.waiting import wait_until  # noqa: E402
 from leftovers import files, new_files, temporary_folder  # noqa: E402
@@ -169,6 +171,18 @@ def test_a_program_that_keeps_nothing_holds(trial, start):
         pass
     assert trial.counts.holds
     assert trial.counts.descriptors == trial.counts.threads == 0
+
+
+def test_what_it_only_reads_is_not_its_own_once_others_end(trial, start):
+    # On a disk, where libraries are: temporary folders may be memory themselves.
+    with tempfile.NamedTemporaryFile(dir=HERE.parents[1] / "build") as library:
+        library.write(bytes(8 << 20))
+        os.fsync(library)
+        other = read_mapped(library.name)
+        shell = start("mapping", library.name)
+        with trial.keeping(shell):
+            other.close()
+    assert trial.counts.holds, failures(trial)
 
 
 def test_a_program_that_does_not_rest_is_reported(trial, start):

@@ -23,7 +23,10 @@ UNCOUNTED = ("/proc/", "/sys/", "/memfd:WebKitSharedMemory")
 
 @dataclass(frozen=True)
 class Holdings:
-    """What a process holds: open descriptors, threads, and memory that is its own (KiB).
+    """What a process holds: open descriptors, threads, and memory that it has written and is its own (KiB).
+
+    Pages of libraries that it only reads are no such memory. They would count only while no other process has the
+    library, too: when that other ends, they would seem to have come.
 
     Some descriptors do not count: those of the system's own figures, a few of which the engine opens once, some seconds
     after its start, to watch how much memory is left; and those of its pictures of the page, of which there are one to
@@ -41,7 +44,7 @@ class Holdings:
         return Holdings(
             descriptors=sum(not target.startswith(UNCOUNTED) for target in _open(pid)),
             threads=len(os.listdir(f"/proc/{pid}/task")),
-            memory=sizes["Private_Clean"] + sizes["Private_Dirty"] + sizes.get("Swap", 0),
+            memory=sizes["Private_Dirty"] + sizes.get("Swap", 0),
         )
 
 
@@ -55,21 +58,24 @@ def _open(pid):
             pass  # closed since
 
 
-def settled(pid, pause=0.5):
-    """What a process holds once it has taken no more memory for so many seconds: when its start is over, with the first
-    pictures of its window."""
-    held, since = Holdings.of(pid), time.monotonic()
+# Memory rests that has not grown by more than this (KiB) for so many seconds.
+STEP = 256
+REST = 0.5
+
+
+def settled(pid):
+    """What a process holds once its memory rests: when its start is over, with the first pictures of its window."""
+    level, since = Holdings.of(pid).memory, time.monotonic()
 
     def rests():
-        nonlocal held, since
-        now = Holdings.of(pid)
-        if now.memory > held.memory:
-            since = time.monotonic()
-        held = now
-        return time.monotonic() - since >= pause
+        nonlocal level, since
+        memory = Holdings.of(pid).memory
+        if memory > level + STEP:
+            level, since = memory, time.monotonic()
+        return time.monotonic() - since >= REST
 
     wait_until("its memory rests", rests)
-    return held
+    return Holdings.of(pid)
 
 
 def waited_for_processor(pid, thread=None):

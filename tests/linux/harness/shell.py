@@ -10,6 +10,7 @@ from pathlib import Path
 from .processes import descendants, end_marked, marked
 from .server import PROGRAM, Plan, Switchboard
 from .waiting import PATIENCE, wait_until
+from .x11 import Rectangle
 
 REPOSITORY = Path(__file__).resolve().parents[3]
 
@@ -180,6 +181,13 @@ class Shell:
         window.move_and_resize(x, y, width + around[0], height + around[1])
         wait_until(f"the page is {width} by {height}", lambda: self.viewport() == (width, height))
         return window
+
+    def wait_until_drawn(self, within=PATIENCE):
+        """Waits until the heading of the page is on the screen."""
+        area = self.window().area
+        beside_buttons = Rectangle(area.x + 100, area.y + 5, 100, 60)
+        screen = self.desktop.screen
+        wait_until("the page is drawn", lambda: len(screen.picture(beside_buttons).colours()) > 1, within)
 
     def wait_until_hidden(self, within=PATIENCE):
         wait_until("no window is shown", lambda: not self.windows(), within)
