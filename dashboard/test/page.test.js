@@ -98,6 +98,44 @@ await describePage('the page', (sample) => {
     assert.ok((await messages(page)).filter(({ k }) => k === 'state').length >= 3);
   });
 
+  test('a switch stays as the user set it while the server still tells of before', async (test) => {
+    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
+    const hold = async (address) => {
+      const held = [];
+      await page.route(address, (route) => held.push(route));
+      const next = () => eventually(() => held.shift(), { what: `a request for ${address}` });
+      return { next, release: async () => { await page.unroute(address); for (const route of held) await route.continue(); } };
+    };
+    const shown = page.getByRole('switch');
+    await shown.waitFor();
+    await ready(page);
+    const overview = await hold('**/api/overview');
+    await shown.uncheck();
+    const late = await overview.next();
+    const before = await late.fetch();
+    const saving = await hold('**/api/project/settings');
+    await shown.check();
+    const arrived = page.waitForEvent('requestfinished', (request) => request.url().endsWith('/api/overview'));
+    await late.fulfill({ response: before });
+    await arrived;
+    await overview.release();
+    await page.evaluate(() => new Promise((drawn) => { requestAnimationFrame(() => requestAnimationFrame(drawn)); }));
+    assert.equal(await shown.isChecked(), true);
+
+    await (await saving.next()).continue();
+    await saving.release();
+    await sample.dashboard.until(({ projects }) => projects.find(({ name }) => name === 'mailer').menubar !== false);
+    assert.equal(await shown.isChecked(), true);
+  });
+
+  test('a switch goes back when its choice could not be saved', async (test) => {
+    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
+    await page.route('**/api/project/settings', (route) => route.fulfill({ status: 500, json: { error: 'The disk is full.' } }));
+    await page.getByRole('switch').click();
+    await page.getByText('The disk is full.').waitFor();
+    await eventually(() => page.getByRole('switch').isChecked(), { what: 'the switch to go back' });
+  });
+
   test('changes on the machine show without reloading, and typing is left in peace', async (test) => {
     const page = await sample.open(test, `#/p/${encodeURIComponent(sample.shop)}`);
     const field = page.getByLabel('Start command').last();

@@ -34,12 +34,26 @@ async function changeProject(verb, path) {
 export const startProject = (path) => changeProject('start', path);
 export const stopProject = (path) => changeProject('stop', path);
 
-/** Saves choices for a project: `command` and `menubar`, null to go back to what was found. */
+/** Choices for projects, by path, that the overview does not tell of yet. They are what the page shows. */
+export const chosen = new Map();
+let saving = Promise.resolve();
+
+/** Saves choices for a project: `command` and `menubar`, null to go back to what was found. The last one made holds. */
 export async function saveProject(path, choices, saved) {
-  const done = await attempt(() => post('project/settings', { path, ...choices }));
+  const mine = { ...chosen.get(path), ...choices };
+  chosen.set(path, mine);
+  update({});
+  const turn = saving.then(() => post('project/settings', { path, ...choices }));
+  saving = turn.catch(() => {});
+  const done = await attempt(() => turn);
   if (done) {
     stateChanged();
     say(saved);
+    await refresh().catch(() => {});
+  }
+  if (chosen.get(path) === mine) {
+    chosen.delete(path);
+    update({});
   }
   return done;
 }

@@ -1,4 +1,4 @@
-import { saveProject } from '../actions.js';
+import { chosen, saveProject } from '../actions.js';
 import { h } from '../dom.js';
 import { icon } from '../icons.js';
 import { logView } from '../log-view.js';
@@ -60,6 +60,17 @@ function containersOf(path, { docker }) {
       h('span', { class: 'chips' }, container.ports.map(({ port }) => portLink(port)))))));
 }
 
+function menuBarSwitch(project) {
+  const { path } = project;
+  return h('label', { class: 'switch-row' },
+    h('span', null, 'Show in the menu bar'),
+    h('input', {
+      type: 'checkbox', class: 'switch', role: 'switch', checked: { ...project, ...chosen.get(path) }.menubar !== false,
+      onChange: (event) => saveProject(path, { menubar: event.target.checked ? null : false },
+        event.target.checked ? 'Shown in the menu bar.' : 'Hidden from the menu bar.'),
+    }));
+}
+
 export function projectView({ overview, route }) {
   const project = overview.projects.find(({ path }) => path === route.path);
   const back = h('a', { class: 'back', href: '#/', key: 'back' }, icon('back', 14), 'Dashboard');
@@ -85,13 +96,7 @@ export function projectView({ overview, route }) {
         section('Ports', null, portsOf(project)),
         section('Start command', null, commandForm(project)),
         containersOf(path, overview.services),
-        section('Menu bar', null, h('label', { class: 'switch-row' },
-          h('span', null, 'Show in the menu bar'),
-          h('input', {
-            type: 'checkbox', class: 'switch', role: 'switch', checked: project.menubar !== false,
-            onChange: (event) => saveProject(path, { menubar: event.target.checked ? null : false },
-              event.target.checked ? 'Shown in the menu bar.' : 'Hidden from the menu bar.'),
-          }))),
+        section('Menu bar', null, menuBarSwitch(project)),
         section('Details', null, facts(project)))),
   ];
 }
