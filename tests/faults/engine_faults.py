@@ -55,11 +55,6 @@ def kill_for_a_page(trial, shell, server, name):
     trial.expect(server.evaluate("first.token !== null && first.native"), "the page came back without its token")
 
 
-def run(server, script):
-    """Runs a script that may keep the page from saying what became of it."""
-    server.do({"do": "evaluate", "id": 0, "script": script})
-
-
 def answering(trial, shell):
     return trial.answering(shell, ENGINE_START)
 
@@ -68,7 +63,7 @@ def kill_during_load(shell, server, name):
     """Kills the process while a page is on its way, and waits for the next attempt and its page."""
     seen = len(server.events)
     server.answer("/", **SLOW)
-    run(server, "location.reload()")
+    server.run("location.reload()")
     server.wait_for_request("/", after=seen)
     server.answer("/", **QUICK)
     seen = len(server.events)
@@ -124,7 +119,7 @@ def network_process_killed(trial):
         for _ in trial.rounds():
             kill_for_a_page(trial, shell, server, NETWORK)
             loaded = len(server.all("page"))
-            run(server, "location.reload()")
+            server.run("location.reload()")
             server.wait_for_page(loaded + 1)
 
 
@@ -140,7 +135,7 @@ def page_hangs(trial):
     for number in trial.rounds():
         shell, server, panel = in_panel(trial)
         polls = Polls(server)
-        run(server, "for (;;);")
+        server.run("for (;;);")
         with trial.answering(shell):
             server.answer(STATE, **snapshot(number + 1))
             polls.times(1)

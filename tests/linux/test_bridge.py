@@ -111,7 +111,7 @@ def test_a_double_click_on_the_header_zooms_there_and_back(running):
 
 
 def test_quit_ends_the_program_and_its_server(running):
-    running.server.evaluate("setTimeout(() => post('quit'), 100); true")
+    running.server.run("post('quit')")
     assert running.wait() == 0
     running.wait_until_ended()
 

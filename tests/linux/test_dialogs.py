@@ -83,7 +83,7 @@ def test_one_dialog_after_the_other(running):
 
 def test_a_page_that_asks_to_stay_is_left_all_the_same(running):
     running.server.evaluate("void (window.onbeforeunload = () => 'stay')")
-    running.server.evaluate("void setTimeout(() => location.reload(), 50)")
+    running.server.run("location.reload()")
     running.server.wait_for_page(2)
     with pytest.raises(NeverHappened):
         running.wait_for_label(lambda text: "stay" in text, within=0.5)

@@ -51,7 +51,7 @@ def test_the_view_comes_back_at_the_root(running):
     running.server.evaluate("void (location.hash = '#/ports')")
     running.server.answer("/", drop=True)
     asked = len(times(running))
-    running.server.evaluate("void setTimeout(() => location.reload(), 50)")
+    running.server.run("location.reload()")
     wait_until("it was asked again", lambda: len(times(running)) > asked)
     running.server.answer("/", body=page())
     running.server.wait_for_page(2)
@@ -68,7 +68,7 @@ def test_a_failed_load_keeps_the_page_and_shows_no_page_of_the_engines(running):
         return running.desktop.screen.pixel(x, y) == (10, 120, 30)
 
     wait_until("the page is painted", green)
-    running.server.evaluate("void setTimeout(() => { location.href = '/gone' }, 50)")
+    running.server.run("location.href = '/gone'")
     running.server.wait_for_request("/gone")
     stays("the page is shown", green, RETRY - 0.5)
 
@@ -97,6 +97,6 @@ def test_a_root_that_is_no_page_is_tried_again_and_opened_nowhere(make_shell, an
 def test_a_page_that_asks_for_a_password_shows_no_question_of_the_engines(running):
     body = page("<h1>Not for you</h1>")
     running.server.answer("/private", status=401, headers={"WWW-Authenticate": 'Basic realm="x"'}, body=body)
-    running.server.evaluate("void setTimeout(() => { location.href = '/private' }, 50)")
+    running.server.run("location.href = '/private'")
     running.server.wait_for_page(2)
     assert running.server.evaluate("document.querySelector('h1').textContent") == "Not for you"

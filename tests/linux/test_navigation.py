@@ -26,7 +26,7 @@ def view(shell, browser):
 
 
 def follow(shell, address):
-    shell.server.evaluate(f"void setTimeout(() => {{ location.href = {address!r} }}, 50)")
+    shell.server.run(f"location.href = {address!r}")
 
 
 def still_there(shell):
@@ -121,7 +121,7 @@ def test_a_form_goes_by_the_same_rule(view, browser):
     view.server.evaluate(
         "void (document.body.innerHTML += '<form action=\"http://example.com/found\"><input name=q value=x></form>')"
     )
-    view.server.evaluate("void setTimeout(() => document.forms[0].submit(), 0)")
+    view.server.run("document.forms[0].submit()")
     browser.wait_for("http://example.com/found?q=x")
     assert still_there(view)
 
@@ -191,7 +191,7 @@ def test_a_new_window_is_never_made(view, browser, way, address, opens):
     address = address.replace("PORT", str(view.server.port))
     if way == "link":
         view.server.evaluate(f"void (document.body.innerHTML += `<a id=link target=_blank href=\"{address}\">x</a>`)")
-        view.server.evaluate("void setTimeout(() => document.getElementById('link').click(), 0)")
+        view.server.run("document.getElementById('link').click()")
     else:
         view.server.evaluate(f"void setTimeout(() => {{ window.answer = window.open({address!r}) === null }}, 0)")
     if opens:

@@ -34,7 +34,7 @@ def test_frames_of_the_page_have_neither_token_nor_class(make_shell):
 
 def test_a_reloaded_page_has_the_same_token(running):
     token = running.server.evaluate("window.first.token")
-    running.server.evaluate("void setTimeout(() => location.reload(), 0)")
+    running.server.run("location.reload()")
     running.server.wait_for_page(2)
     assert running.server.evaluate("window.first.token") == token
 
