@@ -2,7 +2,6 @@
 
 import os
 import random
-import signal
 import socket
 import time
 
@@ -76,8 +75,7 @@ def start_and_kill(trial):
         cycles.shell.start()
         time.sleep(moments.uniform(0, 1.5 * LAUNCH))
         trial.expect_running(cycles.shell)
-        cycles.shell.signal(signal.SIGKILL)
-        cycles.shell.wait()
+        trial.kill(cycles.shell)
         trial.expect_nothing_left(cycles.shell)
     cycles.start_and_quit()
     cycles.expect_no_more_files(allowed=FOR_ONE_ADDRESS)

@@ -88,7 +88,7 @@ def main(weakness, value=""):
     if weakness == "mapping":
         leaked.append(read_mapped(value))
     if weakness == "complaint":
-        print(value, flush=True)
+        print(value.format(pid=os.getpid()), flush=True)
     if weakness == "window":
         threading.Thread(target=AnsweringWindow(float(value)).answer, daemon=True).start()
     if weakness == "restless":

@@ -1,5 +1,7 @@
 """The faults by name, and what is counted of each."""
 
+import re
+import signal
 import time
 from contextlib import contextmanager
 from dataclasses import dataclass, field
@@ -15,6 +17,9 @@ from watch import Holdings, Pulse, settled
 ANSWER = 0.1
 # ... and the memory of the program itself grows by no more than this (KiB), whatever the number of rounds.
 GROWTH = 4096
+
+# A line in which a process complains; GLib's lines tell its number.
+COMPLAINT = re.compile(r"^(?:\(.*:(?P<pid>\d+)\): )?.*(?:CRITICAL|Sanitizer|terminate called).*$", re.MULTILINE)
 
 FAULTS = {}
 
@@ -80,6 +85,7 @@ class Trial:
         self._folder = folder
         self._desktops = []
         self._shells = []
+        self._killed = set()
 
     def rounds(self):
         for number in range(self._planned):
@@ -161,9 +167,17 @@ class Trial:
         self.counts.lines_lost = (self.counts.lines_lost or 0) + lost
         self.expect(lost == 0, f"{lost} of {len(lines)} lines are not in the log")
 
+    def kill(self, shell):
+        """Kills the program. What the engine's processes have to say to that counts no more."""
+        self._killed.add(shell)
+        shell.signal(signal.SIGKILL)
+        shell.wait()
+
     def look_for_complaints(self, shell):
-        for word in ("CRITICAL", "Sanitizer", "terminate called"):
-            self.expect(word not in shell.output, f"the program said {word}: {shell.output[-2000:]}")
+        own = {str(program.pid) for program in shell.programs}
+        for complaint in COMPLAINT.finditer(shell.output):
+            orphan = shell in self._killed and complaint["pid"] not in {None, *own}
+            self.expect(orphan, f"the program said: {complaint[0]}")
 
     @contextmanager
     def answering(self, shell, within=ANSWER):

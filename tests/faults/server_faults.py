@@ -190,8 +190,7 @@ def ignores_terminate(trial):
             trial.expect_exit(shell)
             trial.expect_logged(shell, [b"at last"])
         else:
-            shell.signal(signal.SIGKILL)
-            shell.wait()
+            trial.kill(shell)
         trial.expect_nothing_left(shell)
 
 

@@ -119,6 +119,21 @@ def test_complaints_are_reported(trial, start, words):
     assert words in failures(trial)
 
 
+def test_engine_processes_may_complain_when_the_program_is_killed(trial, start):
+    shell = start("complaint", "(process:2): GLib-CRITICAL **: The connection is closed")
+    trial.kill(shell)
+    trial.look_for_complaints(shell)
+    assert trial.counts.holds
+
+
+@pytest.mark.parametrize("words", ["(harbrook:{pid}): GLib-CRITICAL **: assertion failed", "AddressSanitizer: leak"])
+def test_the_program_may_not_complain_even_when_it_is_killed(trial, start, words):
+    shell = start("complaint", words)
+    trial.kill(shell)
+    trial.look_for_complaints(shell)
+    assert not trial.counts.holds
+
+
 # Its log
 
 
