@@ -4,16 +4,16 @@
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
 
 bool hasRenderNode() {
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev/dri", error)) {
-        if (entry.path().filename().string().starts_with("renderD")) return true;
-    }
-    return false;
+    return std::ranges::any_of(std::filesystem::directory_iterator("/dev/dri", error), [](const auto& entry) {
+        return entry.path().filename().string().starts_with("renderD");
+    });
 }
 
 void activate(GtkApplication* application, gpointer address) {

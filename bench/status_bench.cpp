@@ -15,9 +15,10 @@ std::string snapshot(std::int64_t projects) {
     for (std::int64_t i = 0; i < projects; ++i) {
         const auto number = std::to_string(i);
         if (i > 0) json += ',';
-        json += R"({"name":"project-)" + number + R"(","path":"/home/me/projects/project-)" + number +
-                R"(","running":true,"ports":[)" + std::to_string(3000 + i % 1000) +
-                R"(,5173],"hasCommand":true,"appRunning":)" + (i % 2 == 0 ? "true" : "null") + "}";
+        json.append(R"({"name":"project-)").append(number);
+        json.append(R"(","path":"/home/me/projects/project-)").append(number);
+        json.append(R"(","running":true,"ports":[)").append(std::to_string(3000 + i % 1000));
+        json.append(R"(,5173],"hasCommand":true,"appRunning":)").append(i % 2 == 0 ? "true}" : "null}");
     }
     return json + R"(],"stats":{"running":1,"postgres":2,"redis":3,"containers":4}})";
 }

@@ -2,6 +2,7 @@
 
 import os
 import random
+import signal
 import socket
 import time
 

@@ -2,7 +2,7 @@
 
 import threading
 
-from gi.repository import Gio, GLib
+from gi.repository import Gio
 from harness.bus import Bus
 from harness.tray import WATCHER, WATCHER_DESCRIPTION
 from harness.waiting import PATIENCE, wait_until

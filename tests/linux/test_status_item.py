@@ -2,8 +2,6 @@
 
 import json
 
-import pytest
-
 from harness.server import Plan
 from harness.tray import Watcher, project, state
 from harness.waiting import stays, wait_until

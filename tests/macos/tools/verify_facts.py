@@ -9,7 +9,7 @@ import sys
 
 import facts as fact_table
 import published as published_tables
-from facts import Method, Property, split_outside_brackets
+from facts import Property, split_outside_brackets
 
 NUMBER_TYPES = {
     "NSInteger", "NSUInteger", "CGFloat", "NSTimeInterval", "double", "float", "int", "unsigned", "char",
