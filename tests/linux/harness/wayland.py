@@ -2,13 +2,15 @@
 
 from pathlib import Path
 
-from .waiting import wait_until
+from .waiting import NeverHappened, wait_until
 from .x11 import Rectangle
 
 SOCKET = "wayland-of-the-test"
 
 # The size of its screen.
 WIDTH, HEIGHT = 1700, 1100
+
+BACKGROUND = (0x33, 0x66, 0x99)
 
 # Nothing of its own on the screen, and nothing that moves by itself.
 CONFIGURATION = """
@@ -51,10 +53,23 @@ def start_compositor(desktop):
         )
     socket = Path(desktop.environment["XDG_RUNTIME_DIR"]) / SOCKET
     wait_until("the compositor listens", socket.exists)
-    screen = wait_until("the compositor is seen", desktop.screen.windows)[0].area
-    # Its pointer is where the display's is from the moment on that this one enters; a corner is out of the way.
-    desktop.screen.tool("mousemove", 0, 0)
-    desktop.screen.tool("mousemove", screen.x + screen.width - 5, screen.y + screen.height - 5)
+    window = wait_until("the compositor is seen", desktop.screen.windows)[0]
+    # A corner is out of the way.
+    corner = Rectangle(window.area.x + WIDTH - 10, window.area.y + HEIGHT - 10, 10, 10)
+    wait_until("its pointer follows the display's", lambda: _enter(desktop.screen, corner))
+
+
+def _enter(screen, corner):
+    """Moves the display's pointer into that corner; whether the compositor's is seen there.
+
+    From the moment on that the one enters, the other is where it is. While the compositor starts, it may miss that.
+    """
+    screen.tool("mousemove", 0, 0)
+    screen.tool("mousemove", corner.x, corner.y)
+    try:
+        return wait_until("the pointer", lambda: set(screen.picture(corner).colours()) > {BACKGROUND}, within=1)
+    except NeverHappened:
+        return False
 
 
 def find_area(picture, colour):
