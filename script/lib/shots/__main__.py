@@ -71,12 +71,23 @@ def main():
     if not chosen.display:
         folders = {ROOT, chosen.list.parent, chosen.into, chosen.program.parent}
         isolation.enter(*sorted(map(str, folders)))
-    # Ends by way of every clean-up, as on Ctrl+C.
-    signal.signal(signal.SIGTERM, signal.default_int_handler)
+    interrupts = []
+
+    def interrupt(number, frame):
+        # Ends by way of every clean-up.
+        interrupts.append(number)
+        raise KeyboardInterrupt
+
+    for number in (signal.SIGTERM, signal.SIGINT):
+        signal.signal(number, interrupt)
     try:
-        return 0 if take_all(chosen, listed) else 1
+        well = take_all(chosen, listed)
     except KeyboardInterrupt:
+        well = False
+    # On its way it may have been taken for a failure.
+    if interrupts:
         return 130
+    return 0 if well else 1
 
 
 sys.exit(main())
