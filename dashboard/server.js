@@ -14,7 +14,9 @@ process.stdout.on('error', () => {});
 process.stderr.on('error', () => {});
 
 let begin;
-const answering = new Promise((resolve) => { begin = resolve; });
+const answering = new Promise((resolve) => {
+  begin = resolve;
+});
 
 let listener;
 try {
@@ -43,7 +45,10 @@ watchLifetime({
 process.stdout.write(`HARBROOK_PORT ${listener.port}\n`);
 
 // The rest is loaded while whoever reads the announcement turns to the port; the first request waits for it.
-const [{ createHandler }, { Dashboard }] = await Promise.all([import('./lib/http/handler.js'), import('./lib/dashboard.js')]);
+const [{ createHandler }, { Dashboard }] = await Promise.all([
+  import('./lib/http/handler.js'),
+  import('./lib/dashboard.js'),
+]);
 const token = environment.HARBROOK_TOKEN || (await import('node:crypto')).randomBytes(32).toString('hex');
 if (!startedByShell) process.stdout.write(`Open http://localhost:${listener.port}/#token=${token}\n`);
 if (!ending) {

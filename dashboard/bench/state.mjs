@@ -23,7 +23,11 @@ t.after(() => rm(home, { recursive: true, force: true }));
 
 function project(index) {
   return {
-    [`projects/group${index % 20}/p${index}/package.json`]: { name: `project-${index}`, version: '1.0.0', scripts: { dev: 'vite' } },
+    [`projects/group${index % 20}/p${index}/package.json`]: {
+      name: `project-${index}`,
+      version: '1.0.0',
+      scripts: { dev: 'vite' },
+    },
     [`projects/group${index % 20}/p${index}/src/parts/a.js`]: '',
     [`projects/group${index % 20}/p${index}/test/b.js`]: '',
     [`projects/group${index % 20}/p${index}/node_modules/c/package.json`]: {},
@@ -45,7 +49,10 @@ function poll({ port }) {
   const start = performance.now();
   return new Promise((resolve, reject) => {
     get({ agent, host: 'localhost', port, path: '/api/state', headers: { 'X-Harbrook-Token': TOKEN } }, (response) => {
-      response.on('end', () => resolve(performance.now() - start)).on('error', reject).resume();
+      response
+        .on('end', () => resolve(performance.now() - start))
+        .on('error', reject)
+        .resume();
     }).on('error', reject);
   });
 }
@@ -88,7 +95,9 @@ try {
       await wait(POLL_INTERVAL);
     }
     const used = (await processorSeconds(dashboard.child.pid)) - usedBefore;
-    console.log(`processor while idle and polled: ${((100 * used * 1000) / (performance.now() - begin)).toFixed(2)} % of a core (${load()})`);
+    console.log(
+      `processor while idle and polled: ${((100 * used * 1000) / (performance.now() - begin)).toFixed(2)} % of a core (${load()})`,
+    );
   }
 } finally {
   for (const task of tasks) await task();

@@ -1,12 +1,12 @@
 import { EventEmitter } from 'node:events';
 import { join } from 'node:path';
-import { HttpError } from './http/respond.js';
 import { PortWatcher } from './ports/port-watcher.js';
 import { Finder } from './projects/finder.js';
+import { Refusal } from './refusal.js';
 import { Runner } from './runs/runner.js';
 import { Services } from './services/services.js';
 import { Settings } from './settings.js';
-import { overviewOf, stateOf } from './views.js';
+import { overviewOf, stateOf } from './snapshots.js';
 
 const ANNOUNCE_DELAY = 80;
 
@@ -60,10 +60,10 @@ export class Dashboard extends EventEmitter {
     return this.#make('overview', overviewOf);
   }
 
-  /** The project at `path`. Throws HttpError when none is known there. */
+  /** The project at `path`. Throws a Refusal when none is known there. */
   project(path) {
     const found = typeof path === 'string' ? this.finder.project(path) : undefined;
-    if (!found) throw new HttpError(404, 'There is no such project.');
+    if (!found) throw new Refusal('unknown', 'There is no such project.');
     return found;
   }
 
@@ -75,7 +75,7 @@ export class Dashboard extends EventEmitter {
   async startProject(path) {
     const project = this.project(path);
     const command = this.commandOf(project);
-    if (!command) throw new HttpError(409, 'The project has no start command.');
+    if (!command) throw new Refusal('conflict', 'The project has no start command.');
     await this.runner.start(project.path, command);
   }
 

@@ -1,10 +1,10 @@
 import { fstatSync } from 'node:fs';
-import { isAlive } from './is-alive.js';
+import { isAlive } from './processes/is-alive.js';
 
 const DEFAULT_PORT = 47545;
 const PARENT_CHECK_INTERVAL = 1000;
 
-/** The preferred port of the environment's text; the default when there is none. Throws on anything but a port number. */
+/** The preferred port of the environment's text, by default the usual one. Throws on anything but a port number. */
 export function portFromEnvironment(text) {
   if (text === undefined || text === '') return DEFAULT_PORT;
   const port = Number(text);
@@ -22,7 +22,7 @@ function standardInputIsPipe() {
   }
 }
 
-/** Calls `onEnd` when the program should end: by signal, when standard input closes or when process `parent` is gone. */
+/** Calls `onEnd` when the program should end: by signal, at the end of standard input or of process `parent`. */
 export function watchLifetime({ parent, onEnd }) {
   for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) process.on(signal, onEnd);
 

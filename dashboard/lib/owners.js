@@ -1,9 +1,14 @@
 // Whose a port or a container is, among the projects.
 
-/** Makes a function from a folder to the path of the project that it belongs to, itself or the nearest one above; or null. */
+/** Makes a function from a folder to the path of its project, be it itself or the nearest above; or null. */
 export function projectLookup(projects) {
   // A process tells its folder without symbolic links, a compose file's label perhaps with them.
-  const byFolder = new Map(projects.flatMap(({ path, realPath }) => [[path, path], [realPath, path]]));
+  const byFolder = new Map(
+    projects.flatMap(({ path, realPath }) => [
+      [path, path],
+      [realPath, path],
+    ]),
+  );
   return (folder) => {
     for (let at = folder; at; at = at.slice(0, at.lastIndexOf('/'))) {
       if (byFolder.has(at)) return byFolder.get(at);
@@ -15,7 +20,7 @@ export function projectLookup(projects) {
 const isRunning = ({ state }) => state === 'running';
 
 /**
- * Every container with the path of its `project`: the one in whose folder the compose file is that describes it, or null.
+ * Every container with the path of its `project`, in whose folder the compose file is that describes it, or null.
  * `containers` is undefined without an engine.
  */
 export function containersWithProjects(containers = [], projectOf) {
@@ -23,18 +28,19 @@ export function containersWithProjects(containers = [], projectOf) {
 }
 
 /**
- * Every port with the path of its `project` (that of the run which opened it, or of its process's folder) and the running
- * `container` that publishes it: an engine opens those ports by a process of its own, which tells nothing.
+ * Every port with the path of its `project` (that of the run which opened it, or of its process's folder) and the
+ * running `container` that publishes it: an engine opens those ports by a process of its own, which tells nothing.
  */
 export function portsWithProjects(ports, { projectOf, groups = new Map(), containers = [] }) {
-  const publishers = new Map(containers.filter(isRunning)
-    .flatMap((container) => container.ports.map(({ port }) => [port, container])));
+  const publishers = new Map(
+    containers.filter(isRunning).flatMap((container) => container.ports.map(({ port }) => [port, container])),
+  );
   return ports.map((entry) => {
     const holder = entry.process;
     // The dashboard may live below a project's folder without being that project.
     if (holder?.pid === process.pid) return { ...entry, project: null, container: null };
-    const own = holder ? groups.get(holder.group) ?? projectOf(holder.folder) : null;
-    const container = own ? null : publishers.get(entry.port) ?? null;
+    const own = holder ? (groups.get(holder.group) ?? projectOf(holder.folder)) : null;
+    const container = own ? null : (publishers.get(entry.port) ?? null);
     return { ...entry, project: own ?? container?.project ?? null, container };
   });
 }

@@ -2,7 +2,7 @@ import { EventEmitter } from 'node:events';
 import { readFileSync, renameSync } from 'node:fs';
 import { isAbsolute, join, resolve } from 'node:path';
 import { writeFileAtomically } from './atomic-file.js';
-import { HttpError } from './http/respond.js';
+import { Refusal } from './refusal.js';
 
 export const DEFAULT_FOLDERS = ['projects', 'src', 'code', 'dev'];
 const MOST_FOLDERS = 50;
@@ -10,14 +10,16 @@ const LONGEST_PATH = 4096;
 const LONGEST_COMMAND = 2000;
 
 const refuse = (message) => {
-  throw new HttpError(400, message);
+  throw new Refusal('invalid', message);
 };
 
 function checkedFolders(value) {
   if (value === null) return null;
-  if (!Array.isArray(value) || value.length > MOST_FOLDERS) refuse(`"folders" must be a list of at most ${MOST_FOLDERS}.`);
+  if (!Array.isArray(value) || value.length > MOST_FOLDERS)
+    refuse(`"folders" must be a list of at most ${MOST_FOLDERS}.`);
   const folders = value.map((folder) => {
-    const usable = typeof folder === 'string' && folder.length <= LONGEST_PATH && isAbsolute(folder) && !folder.includes('\0');
+    const usable =
+      typeof folder === 'string' && folder.length <= LONGEST_PATH && isAbsolute(folder) && !folder.includes('\0');
     return usable ? resolve(folder) : refuse('Every folder must be an absolute path.');
   });
   return [...new Set(folders)];
@@ -137,7 +139,7 @@ export class Settings extends EventEmitter {
         await writeFileAtomically(this.#file, `${JSON.stringify(next, null, 2)}\n`);
       } catch (error) {
         console.error(`Settings could not be written: ${error.message}`);
-        throw new HttpError(500, `The settings could not be saved (${error.code ?? error.message}).`);
+        throw new Refusal('failed', `The settings could not be saved (${error.code ?? error.message}).`);
       }
       this.#value = next;
       this.emit('change');

@@ -10,11 +10,16 @@ import { makeHome, startDashboard, TOKEN, writeTree } from './support/machine.js
 /** A request with exactly these headers; fulfilled with { status, headers, text }. */
 function raw(port, { method = 'GET', path = '/api/state', headers = {}, body = '' } = {}) {
   return new Promise((resolve, reject) => {
-    const call = request({ host: '127.0.0.1', port, method, path, headers: { Host: `localhost:${port}`, ...headers } }, (response) => {
-      let text = '';
-      response.setEncoding('utf8').on('data', (chunk) => { text += chunk; });
-      response.on('end', () => resolve({ status: response.statusCode, headers: response.headers, text }));
-    });
+    const call = request(
+      { host: '127.0.0.1', port, method, path, headers: { Host: `localhost:${port}`, ...headers } },
+      (response) => {
+        let text = '';
+        response.setEncoding('utf8').on('data', (chunk) => {
+          text += chunk;
+        });
+        response.on('end', () => resolve({ status: response.statusCode, headers: response.headers, text }));
+      },
+    );
     call.on('error', reject);
     call.end(body);
   });
@@ -28,7 +33,13 @@ describe('the API', () => {
   let project;
   const token = { 'X-Harbrook-Token': TOKEN };
   const honest = { ...token, 'X-Harbrook': '1', 'Content-Type': 'application/json' };
-  const start = (headers, body) => raw(dashboard.port, { method: 'POST', path: '/api/project/start', headers, body: body ?? JSON.stringify({ path: project }) });
+  const start = (headers, body) =>
+    raw(dashboard.port, {
+      method: 'POST',
+      path: '/api/project/start',
+      headers,
+      body: body ?? JSON.stringify({ path: project }),
+    });
   const nothingRuns = async () => (await dashboard.json('api/state')).projects.every(({ appRunning }) => !appRunning);
 
   before(async () => {
@@ -47,7 +58,14 @@ describe('the API', () => {
   });
 
   test('answers nobody without the right token, on any address', async () => {
-    for (const path of ['/api/state', '/api/settings', '/api/overview', '/api/events', '/api/project/log?path=x', '/api/nothing']) {
+    for (const path of [
+      '/api/state',
+      '/api/settings',
+      '/api/overview',
+      '/api/events',
+      '/api/project/log?path=x',
+      '/api/nothing',
+    ]) {
       for (const wrong of [undefined, '', 'x', TOKEN.slice(1), `${TOKEN}0`, TOKEN.toUpperCase()]) {
         const headers = wrong === undefined ? {} : { 'X-Harbrook-Token': wrong };
         assert.equal((await raw(dashboard.port, { path, headers })).status, 401, `${path} with ${wrong}`);
@@ -59,7 +77,15 @@ describe('the API', () => {
   });
 
   test('serves only the name localhost', async () => {
-    for (const host of ['127.0.0.1', `127.0.0.1:${dashboard.port}`, 'evil.example', `evil.example:${dashboard.port}`, 'localhost', 'localhost:1', `localhost.:${dashboard.port}`]) {
+    for (const host of [
+      '127.0.0.1',
+      `127.0.0.1:${dashboard.port}`,
+      'evil.example',
+      `evil.example:${dashboard.port}`,
+      'localhost',
+      'localhost:1',
+      `localhost.:${dashboard.port}`,
+    ]) {
       for (const path of ['/api/state', '/', '/js/main.js']) {
         assert.equal((await raw(dashboard.port, { path, headers: { ...token, Host: host } })).status, 403, host);
       }
@@ -70,8 +96,12 @@ describe('the API', () => {
 
   test('lets no other origin read or change anything', async () => {
     const foreign = [
-      { Origin: 'https://evil.example' }, { Origin: 'null' }, { Origin: 'http://localhost:3000' }, { Origin: `https://localhost:${dashboard.port}` },
-      { 'Sec-Fetch-Site': 'cross-site' }, { 'Sec-Fetch-Site': 'same-site' },
+      { Origin: 'https://evil.example' },
+      { Origin: 'null' },
+      { Origin: 'http://localhost:3000' },
+      { Origin: `https://localhost:${dashboard.port}` },
+      { 'Sec-Fetch-Site': 'cross-site' },
+      { 'Sec-Fetch-Site': 'same-site' },
     ];
     for (const headers of foreign) {
       const read = await raw(dashboard.port, { headers: { ...token, ...headers } });
@@ -79,8 +109,16 @@ describe('the API', () => {
       assert.equal(read.headers['access-control-allow-origin'], undefined);
       assert.equal((await start({ ...honest, ...headers })).status, 403);
     }
-    assert.equal((await raw(dashboard.port, { headers: { ...token, Origin: dashboard.address, 'Sec-Fetch-Site': 'same-origin' } })).status, 200);
-    const preflight = await raw(dashboard.port, { method: 'OPTIONS', path: '/api/project/start', headers: { Origin: 'https://evil.example' } });
+    assert.equal(
+      (await raw(dashboard.port, { headers: { ...token, Origin: dashboard.address, 'Sec-Fetch-Site': 'same-origin' } }))
+        .status,
+      200,
+    );
+    const preflight = await raw(dashboard.port, {
+      method: 'OPTIONS',
+      path: '/api/project/start',
+      headers: { Origin: 'https://evil.example' },
+    });
     assert.notEqual(preflight.status, 200);
     assert.equal(preflight.headers['access-control-allow-headers'], undefined);
     assert.ok(await nothingRuns());
@@ -113,7 +151,18 @@ describe('the API', () => {
     const bodies = ['', '{', '[]', 'null', '"x"', '5', '{"path":', '\xff\xfe', `{"path": "${'x'.repeat(10)}`];
     for (const body of bodies) assert.equal((await start(honest, body)).status, 400, body);
     assert.equal((await start(honest, Buffer.from([0x7b, 0xff, 0x7d]))).status, 400);
-    for (const path of [5, null, {}, [project], '', 'relative', '/etc', `${project}/`, `${project}/../shop`, `${project}\0`]) {
+    for (const path of [
+      5,
+      null,
+      {},
+      [project],
+      '',
+      'relative',
+      '/etc',
+      `${project}/`,
+      `${project}/../shop`,
+      `${project}\0`,
+    ]) {
       assert.equal((await start(honest, JSON.stringify({ path }))).status, 404, JSON.stringify(path));
     }
     assert.equal((await start(honest, '{"__proto__": {"path": "/x"}}')).status, 404);
@@ -126,16 +175,32 @@ describe('the API', () => {
     assert.equal((await start({ ...honest, 'Transfer-Encoding': 'chunked' }, long)).status, 413);
     // One that only announces an immense body is answered without waiting for it.
     const socket = connect(dashboard.port, '127.0.0.1');
-    socket.write(`POST /api/project/start HTTP/1.1\r\nHost: localhost:${dashboard.port}\r\nX-Harbrook-Token: ${TOKEN}\r\nX-Harbrook: 1\r\n`
-      + 'Content-Type: application/json\r\nContent-Length: 99999999999\r\n\r\n{');
+    socket.write(
+      `POST /api/project/start HTTP/1.1\r\nHost: localhost:${dashboard.port}\r\nX-Harbrook-Token: ${TOKEN}\r\nX-Harbrook: 1\r\n` +
+        'Content-Type: application/json\r\nContent-Length: 99999999999\r\n\r\n{',
+    );
     const [answer] = await once(socket, 'data');
     assert.match(answer.toString(), /^HTTP\/1\.1 413/);
     socket.destroy();
   });
 
   test('serves the page’s own files and nothing else', async () => {
-    for (const path of ['/../server.js', '/..%2fserver.js', '/%2e%2e/server.js', '/js/../../server.js', '/package.json', '/lib/settings.js', '//etc/passwd',
-      '/etc/passwd', '/js', '/js/', '/index.html/', '/js/main.js%00', '/.', '/js\\main.js/..']) {
+    for (const path of [
+      '/../server.js',
+      '/..%2fserver.js',
+      '/%2e%2e/server.js',
+      '/js/../../server.js',
+      '/package.json',
+      '/lib/settings.js',
+      '//etc/passwd',
+      '/etc/passwd',
+      '/js',
+      '/js/',
+      '/index.html/',
+      '/js/main.js%00',
+      '/.',
+      '/js\\main.js/..',
+    ]) {
       const { status, text } = await raw(dashboard.port, { path });
       assert.ok(status === 404 || (status === 200 && path === '/.'), `${path} gave ${status}`);
       assert.ok(!text.includes('createHandler') && !text.includes('root:'), path);
@@ -151,7 +216,12 @@ describe('the API', () => {
   });
 
   test('survives what is not HTTP', async () => {
-    for (const bytes of ['\x16\x03\x01\x02', 'GET\r\n\r\n', 'GET http://[ HTTP/1.1\r\n\r\n', `GET / HTTP/1.1\r\nX: ${'y'.repeat(40_000)}\r\n\r\n`]) {
+    for (const bytes of [
+      '\x16\x03\x01\x02',
+      'GET\r\n\r\n',
+      'GET http://[ HTTP/1.1\r\n\r\n',
+      `GET / HTTP/1.1\r\nX: ${'y'.repeat(40_000)}\r\n\r\n`,
+    ]) {
       const socket = connect(dashboard.port, '127.0.0.1');
       socket.on('error', () => {});
       socket.resume();
@@ -168,18 +238,35 @@ describe('the API', () => {
     let [, shop] = (await dashboard.json('api/state')).projects;
     assert.deepEqual([shop.running, shop.appRunning], [true, true]);
     assert.equal((await start(menubar, body)).status, 409);
-    assert.equal((await raw(dashboard.port, { method: 'POST', path: '/api/project/stop', headers: menubar, body })).status, 200);
+    assert.equal(
+      (await raw(dashboard.port, { method: 'POST', path: '/api/project/stop', headers: menubar, body })).status,
+      200,
+    );
     [, shop] = (await dashboard.json('api/state')).projects;
     assert.deepEqual([shop.running, shop.appRunning], [false, false]);
-    assert.equal((await raw(dashboard.port, { method: 'POST', path: '/api/project/stop', headers: menubar, body })).status, 409);
+    assert.equal(
+      (await raw(dashboard.port, { method: 'POST', path: '/api/project/stop', headers: menubar, body })).status,
+      409,
+    );
     assert.equal((await start(menubar, JSON.stringify({ path: join(home, 'projects/plain') }))).status, 409);
   });
 
   test('gives the snapshot in exactly its shape', async () => {
     const state = await dashboard.json('api/state');
     assert.deepEqual(Object.keys(state), ['projects', 'stats']);
-    assert.deepEqual(state.projects.map(({ name }) => name), ['plain', 'shop']);
-    assert.deepEqual(state.projects[1], { name: 'shop', path: project, running: false, ports: [], hasCommand: true, appRunning: false, menubar: null });
+    assert.deepEqual(
+      state.projects.map(({ name }) => name),
+      ['plain', 'shop'],
+    );
+    assert.deepEqual(state.projects[1], {
+      name: 'shop',
+      path: project,
+      running: false,
+      ports: [],
+      hasCommand: true,
+      appRunning: false,
+      menubar: null,
+    });
     assert.equal(state.projects[0].hasCommand, false);
     assert.deepEqual(Object.keys(state.stats), ['running', 'postgres', 'redis', 'containers']);
     assert.ok(Object.values(state.stats).every(Number.isSafeInteger));
@@ -201,7 +288,10 @@ describe('the API', () => {
   });
 
   test('follows a log to its end', async () => {
-    await dashboard.post('api/project/settings', { path: project, command: 'echo first; sleep 0.3; echo second; exit 5' });
+    await dashboard.post('api/project/settings', {
+      path: project,
+      command: 'echo first; sleep 0.3; echo second; exit 5',
+    });
     await dashboard.post('api/project/start', { path: project });
     const text = await (await dashboard.get(`api/project/log?follow=1&path=${encodeURIComponent(project)}`)).text();
     assert.match(text, /^\$ echo first.*\nfirst\nsecond\n\nEnded with code 5\.\n$/);

@@ -39,7 +39,10 @@ test('the wanted port is taken when it is free', async (t) => {
 
 test('a taken port is left for another one when that is allowed', async (t) => {
   const port = await takenPort(t);
-  const dashboard = await startDashboard(t, await makeHome(t), { HARBROOK_PORT: String(port), HARBROOK_PORT_FALLBACK: '1' });
+  const dashboard = await startDashboard(t, await makeHome(t), {
+    HARBROOK_PORT: String(port),
+    HARBROOK_PORT_FALLBACK: '1',
+  });
   assert.notEqual(dashboard.port, port);
   assert.equal((await dashboard.get('api/settings')).status, 200);
 });
@@ -52,14 +55,20 @@ test('a port that another program holds on the other loopback address counts as 
     t.skip('this machine has no IPv6 loopback address');
     return;
   }
-  const dashboard = await startDashboard(t, await makeHome(t), { HARBROOK_PORT: String(port), HARBROOK_PORT_FALLBACK: '1' });
+  const dashboard = await startDashboard(t, await makeHome(t), {
+    HARBROOK_PORT: String(port),
+    HARBROOK_PORT_FALLBACK: '1',
+  });
   assert.notEqual(dashboard.port, port);
 });
 
 test('without that permission a taken port is the end', async (t) => {
   const port = await takenPort(t);
   for (const fallback of ['', '0', 'yes']) {
-    const start = startDashboard(t, await makeHome(t), { HARBROOK_PORT: String(port), HARBROOK_PORT_FALLBACK: fallback });
+    const start = startDashboard(t, await makeHome(t), {
+      HARBROOK_PORT: String(port),
+      HARBROOK_PORT_FALLBACK: fallback,
+    });
     await assert.rejects(start, /ended with 1: .*cannot listen/);
   }
 });
@@ -72,7 +81,10 @@ test('only the loopback interface is listened on', async (t) => {
   const dashboard = await startDashboard(t, await makeHome(t));
   const overview = await dashboard.until(({ ports }) => ports.some(({ port }) => port === dashboard.port));
   const { addresses } = overview.ports.find(({ port }) => port === dashboard.port);
-  assert.ok(addresses.length > 0 && addresses.every((address) => address === '127.0.0.1' || address === '::1'), addresses.join());
+  assert.ok(
+    addresses.length > 0 && addresses.every((address) => address === '127.0.0.1' || address === '::1'),
+    addresses.join(),
+  );
 });
 
 test('SIGTERM, SIGINT and SIGHUP end it with success', async (t) => {
@@ -118,7 +130,9 @@ for (const way of ['SIGTERM', 'SIGKILL', 'stdin']) {
     await dashboard.post('api/project/settings', { path: project, command: 'sleep 80 & echo "pid $!"; wait' });
     await dashboard.post('api/project/start', { path: project });
     const log = `api/project/log?path=${encodeURIComponent(project)}`;
-    const match = await eventually(async () => /pid (\d+)/.exec(await (await dashboard.get(log)).text()), { what: 'the child' });
+    const match = await eventually(async () => /pid (\d+)/.exec(await (await dashboard.get(log)).text()), {
+      what: 'the child',
+    });
     const pid = Number(match[1]);
     assert.ok(isAlive(pid));
     if (way === 'stdin') dashboard.child.stdin.end();
@@ -131,11 +145,19 @@ for (const way of ['SIGTERM', 'SIGKILL', 'stdin']) {
 test('it runs by hand too, with a token of its own in the address that it prints', async (t) => {
   const environment = { ...process.env, HOME: await makeHome(t), HARBROOK_PORT: '0' };
   delete environment.HARBROOK_TOKEN;
-  const child = spawn(process.execPath, [script], { env: environment, cwd: dirname(script), stdio: ['ignore', 'pipe', 'inherit'] });
+  const child = spawn(process.execPath, [script], {
+    env: environment,
+    cwd: dirname(script),
+    stdio: ['ignore', 'pipe', 'inherit'],
+  });
   t.after(() => child.kill('SIGKILL'));
   let output = '';
-  child.stdout.on('data', (chunk) => { output += chunk; });
-  const [, address, token] = await eventually(() => /Open (http:\/\/localhost:\d+)\/#token=([0-9a-f]{64})\n/.exec(output));
+  child.stdout.on('data', (chunk) => {
+    output += chunk;
+  });
+  const [, address, token] = await eventually(() =>
+    /Open (http:\/\/localhost:\d+)\/#token=([0-9a-f]{64})\n/.exec(output),
+  );
   assert.notEqual(token, TOKEN);
   assert.equal((await fetch(`${address}/api/state`, { headers: { 'X-Harbrook-Token': token } })).status, 200);
   assert.equal((await fetch(`${address}/api/state`)).status, 401);

@@ -18,7 +18,11 @@ async function find(t, files, roots = ['']) {
   return { finder, home };
 }
 
-const names = (finder) => finder.projects().map(({ name }) => name).sort();
+const names = (finder) =>
+  finder
+    .projects()
+    .map(({ name }) => name)
+    .sort();
 
 /** Fulfilled once the finder's names are these; they change only by its "change" event. */
 async function untilNames(finder, expected) {
@@ -27,7 +31,10 @@ async function untilNames(finder, expected) {
 
 test('projects are found at any depth up to four', async (t) => {
   const { finder } = await find(t, {
-    'a/package.json': { name: 'one' }, 'x/b/go.mod': 'module two', 'x/y/z/c/go.mod': 'module four', 'x/y/z/w/d/go.mod': 'module five',
+    'a/package.json': { name: 'one' },
+    'x/b/go.mod': 'module two',
+    'x/y/z/c/go.mod': 'module four',
+    'x/y/z/w/d/go.mod': 'module five',
   });
   assert.deepEqual(names(finder), ['four', 'one', 'two']);
 });
@@ -58,7 +65,12 @@ test('a chosen folder that is a project itself is looked through in full', async
 });
 
 test('a checkout without a manifest is looked into, but not deep', async (t) => {
-  const { finder } = await find(t, { 'repo/.git/HEAD': '', 'repo/api/go.mod': 'module api', 'repo/tools/x/go.mod': 'module x', 'repo/tools/y/z/go.mod': 'module z' });
+  const { finder } = await find(t, {
+    'repo/.git/HEAD': '',
+    'repo/api/go.mod': 'module api',
+    'repo/tools/x/go.mod': 'module x',
+    'repo/tools/y/z/go.mod': 'module z',
+  });
   assert.deepEqual(names(finder), ['api', 'x']);
 });
 

@@ -3,20 +3,25 @@ import { test } from 'node:test';
 import { composedAndRunning, containersWithProjects, portsWithProjects, projectLookup } from '../lib/owners.js';
 
 const PROJECTS = [
-  { path: '/p', realPath: '/p', kind: 'Compose' }, { path: '/p/web', realPath: '/p/web', kind: 'Vite' },
+  { path: '/p', realPath: '/p', kind: 'Compose' },
+  { path: '/p/web', realPath: '/p/web', kind: 'Vite' },
   { path: '/l/x', realPath: '/r/x', kind: 'Compose' },
 ];
 const projectOf = projectLookup(PROJECTS);
 
-const CONTAINERS = containersWithProjects([
-  { name: 'db', state: 'running', ports: [{ port: 5432, inside: 5432 }], folder: '/p/web' },
-  { name: 'old', state: 'exited', ports: [{ port: 6379, inside: 6379 }], folder: '/p' },
-  { name: 'tiles', state: 'running', ports: [{ port: 8081, inside: 80 }], folder: null },
-  { name: 'job', state: 'running', ports: [], folder: '/l/x/deploy' },
-], projectOf);
+const CONTAINERS = containersWithProjects(
+  [
+    { name: 'db', state: 'running', ports: [{ port: 5432, inside: 5432 }], folder: '/p/web' },
+    { name: 'old', state: 'exited', ports: [{ port: 6379, inside: 6379 }], folder: '/p' },
+    { name: 'tiles', state: 'running', ports: [{ port: 8081, inside: 80 }], folder: null },
+    { name: 'job', state: 'running', ports: [], folder: '/l/x/deploy' },
+  ],
+  projectOf,
+);
 
 test('a port belongs to the run that opened it, else to the innermost project above its folder', () => {
-  const ownerOf = (holder, groups) => portsWithProjects([{ port: 1, process: holder }], { projectOf, groups })[0].project;
+  const ownerOf = (holder, groups) =>
+    portsWithProjects([{ port: 1, process: holder }], { projectOf, groups })[0].project;
   assert.equal(ownerOf({ pid: 9, group: 9, folder: '/p/web/src' }), '/p/web');
   assert.equal(ownerOf({ pid: 9, group: 9, folder: '/p' }), '/p');
   assert.equal(ownerOf({ pid: 9, group: 9, folder: '/r/x' }), '/l/x');
@@ -27,13 +32,19 @@ test('a port belongs to the run that opened it, else to the innermost project ab
 });
 
 test('a container belongs to the project that its compose file lies in, by whatever path', () => {
-  assert.deepEqual(CONTAINERS.map(({ project }) => project), ['/p/web', '/p', null, '/l/x']);
+  assert.deepEqual(
+    CONTAINERS.map(({ project }) => project),
+    ['/p/web', '/p', null, '/l/x'],
+  );
   assert.deepEqual(containersWithProjects(undefined, projectOf), []);
 });
 
 test('a published port belongs to its running container and that one’s project, unless a project’s own process holds it', () => {
   const find = (port, holder) => {
-    const [{ project, container }] = portsWithProjects([{ port, process: holder }], { projectOf, containers: CONTAINERS });
+    const [{ project, container }] = portsWithProjects([{ port, process: holder }], {
+      projectOf,
+      containers: CONTAINERS,
+    });
     return [project, container?.name ?? null];
   };
   assert.deepEqual(find(5432, null), ['/p/web', 'db']);

@@ -24,23 +24,52 @@ async function furnish(t) {
   const { port } = await listen(t, createServer());
   const engine = await fakeEngine(t, home, {
     containers: [
-      { Id: 'c'.repeat(64), Names: ['/shop-db-1'], Image: 'postgres:17', State: 'running', Status: 'Up 2 hours',
+      {
+        Id: 'c'.repeat(64),
+        Names: ['/shop-db-1'],
+        Image: 'postgres:17',
+        State: 'running',
+        Status: 'Up 2 hours',
         Ports: [{ PrivatePort: 5432, PublicPort: port, IP: '127.0.0.1' }],
-        Labels: { 'com.docker.compose.project': 'shop', 'com.docker.compose.project.working_dir': shop } },
-      { Id: 'd'.repeat(64), Names: ['/scratch'], Image: 'debian', State: 'exited', Status: 'Exited (130)', Ports: [], Labels: {} },
+        Labels: { 'com.docker.compose.project': 'shop', 'com.docker.compose.project.working_dir': shop },
+      },
+      {
+        Id: 'd'.repeat(64),
+        Names: ['/scratch'],
+        Image: 'debian',
+        State: 'exited',
+        Status: 'Exited (130)',
+        Ports: [],
+        Labels: {},
+      },
     ],
   });
   const dashboard = await startDashboard(t, home, { DOCKER_HOST: `unix://${engine.path}` });
-  const overview = await dashboard.until(({ projects, services, ports }) => projects.length === 3 && services.docker.available
-    && ports.some((entry) => entry.container));
+  const overview = await dashboard.until(
+    ({ projects, services, ports }) =>
+      projects.length === 3 && services.docker.available && ports.some((entry) => entry.container),
+  );
   const pathOf = (name) => overview.projects.find((project) => project.name === name).path;
   await dashboard.post('api/project/start', { path: pathOf('shop') });
   await dashboard.post('api/project/start', { path: pathOf('failing') });
-  await dashboard.until(({ projects }) => projects.some(({ run }) => run?.ended) && projects.some(({ ports }) => ports.length > 0));
+  await dashboard.until(
+    ({ projects }) => projects.some(({ run }) => run?.ended) && projects.some(({ ports }) => ports.length > 0),
+  );
   const pages = ['shop', 'failing', 'broken'].map((name) => `#/p/${encodeURIComponent(pathOf(name))}`);
   return {
-    address: dashboard.address, port,
-    views: ['#/', '#/services', '#/docker', '#/ports', '#/settings', '#/about', ...pages, '#/p/%2Fnowhere', '#/unknown'],
+    address: dashboard.address,
+    port,
+    views: [
+      '#/',
+      '#/services',
+      '#/docker',
+      '#/ports',
+      '#/settings',
+      '#/about',
+      ...pages,
+      '#/p/%2Fnowhere',
+      '#/unknown',
+    ],
   };
 }
 
@@ -49,19 +78,26 @@ const flat = (node) => [node, ...(node.children ?? []).flatMap(flat)];
 /** Runs in the page: every text that is shown with too little contrast to what lies behind it. */
 function faintTexts(large) {
   const channels = (colour) => {
-    const parts = /^color\(srgb ([^)]+)\)$/.exec(colour)?.[1].split(/[ /]+/).map((part, index) => (index < 3 ? part * 255 : Number(part)))
-      ?? colour.match(/[\d.]+/g).map(Number);
+    const parts =
+      /^color\(srgb ([^)]+)\)$/
+        .exec(colour)?.[1]
+        .split(/[ /]+/)
+        .map((part, index) => (index < 3 ? part * 255 : Number(part))) ?? colour.match(/[\d.]+/g).map(Number);
     return parts.length === 3 ? [...parts, 1] : parts;
   };
-  const over = (front, back) => [0, 1, 2].map((index) => front[index] * front[3] + back[index] * (1 - front[3])).concat(1);
+  const over = (front, back) =>
+    [0, 1, 2].map((index) => front[index] * front[3] + back[index] * (1 - front[3])).concat(1);
   const behind = (element) => {
     const layers = [];
     for (let at = element; at; at = at.parentElement) layers.unshift(channels(getComputedStyle(at).backgroundColor));
     return layers.reduce((back, layer) => over(layer, back), [255, 255, 255, 1]);
   };
-  const luminance = (colour) => colour.slice(0, 3).map((value) => value / 255)
-    .map((value) => (value <= 0.04045 ? value / 12.92 : ((value + 0.055) / 1.055) ** 2.4))
-    .reduce((sum, value, index) => sum + value * [0.2126, 0.7152, 0.0722][index], 0);
+  const luminance = (colour) =>
+    colour
+      .slice(0, 3)
+      .map((value) => value / 255)
+      .map((value) => (value <= 0.04045 ? value / 12.92 : ((value + 0.055) / 1.055) ** 2.4))
+      .reduce((sum, value, index) => sum + value * [0.2126, 0.7152, 0.0722][index], 0);
   const found = [];
   const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
   for (let node = walker.nextNode(); node; node = walker.nextNode()) {
@@ -71,7 +107,8 @@ function faintTexts(large) {
     const back = behind(element);
     const [one, other] = [luminance(over(channels(style.color), back)), luminance(back)].sort((a, b) => b - a);
     const ratio = (one + 0.05) / (other + 0.05);
-    if (ratio < (parseFloat(style.fontSize) >= large ? 3 : 4.5)) found.push(`${ratio.toFixed(2)} ${element.className} “${node.data.trim().slice(0, 40)}”`);
+    if (ratio < (parseFloat(style.fontSize) >= large ? 3 : 4.5))
+      found.push(`${ratio.toFixed(2)} ${element.className} “${node.data.trim().slice(0, 40)}”`);
   }
   return found;
 }
@@ -84,14 +121,24 @@ await describePage('everybody can use the page', (sample) => {
     for (const hash of views) {
       await go(page, hash);
       await ready(page);
-      const controls = flat(await page.accessibility.snapshot({ interestingOnly: false })).filter(({ role }) => CONTROLS.has(role));
+      const controls = flat(await page.accessibility.snapshot({ interestingOnly: false })).filter(({ role }) =>
+        CONTROLS.has(role),
+      );
       assert.ok(controls.length > 7, hash);
-      assert.deepEqual(controls.filter(({ name }) => name.trim() === ''), [], hash);
+      assert.deepEqual(
+        controls.filter(({ name }) => name.trim() === ''),
+        [],
+        hash,
+      );
       controls.forEach(({ role }) => seen.add(role));
     }
     for (const role of ['button', 'link', 'textbox', 'searchbox', 'switch']) assert.ok(seen.has(role), role);
-    await page.evaluate(() => { window.openUpdate(); });
-    const dialog = flat(await page.accessibility.snapshot({ interestingOnly: false })).find(({ role }) => role === 'dialog');
+    await page.evaluate(() => {
+      window.openUpdate();
+    });
+    const dialog = flat(await page.accessibility.snapshot({ interestingOnly: false })).find(
+      ({ role }) => role === 'dialog',
+    );
     assert.equal(dialog.name, 'Updates');
   });
 
@@ -117,7 +164,9 @@ await describePage('everybody can use the page', (sample) => {
       // Ports of other programs come and go meanwhile; what counts is what is there from first to last.
       const count = await page.evaluate(() => {
         document.activeElement.blur();
-        window.__missed = new Set([...document.querySelectorAll('a[href], button, input')].filter((control) => control.checkVisibility()));
+        window.__missed = new Set(
+          [...document.querySelectorAll('a[href], button, input')].filter((control) => control.checkVisibility()),
+        );
         return window.__missed.size;
       });
       assert.ok(count > 7, hash);
@@ -131,7 +180,9 @@ await describePage('everybody can use the page', (sample) => {
         });
         assert.equal(unmarked, null, hash);
       }
-      const missed = await page.evaluate(() => [...window.__missed].filter((control) => control.isConnected).map((control) => control.outerHTML));
+      const missed = await page.evaluate(() =>
+        [...window.__missed].filter((control) => control.isConnected).map((control) => control.outerHTML),
+      );
       assert.deepEqual(missed, [], hash);
     }
   });
@@ -143,14 +194,18 @@ await describePage('everybody can use the page', (sample) => {
     await row.getByText('shop-db-1').waitFor();
     await row.getByText('postgres:17').waitFor();
     await row.getByRole('link', { name: 'shop', exact: true }).click();
-    await page.getByRole('region', { name: 'Containers' }).getByRole('link', { name: `Open port ${port} in the browser` }).waitFor();
+    await page
+      .getByRole('region', { name: 'Containers' })
+      .getByRole('link', { name: `Open port ${port} in the browser` })
+      .waitFor();
     await go(page, '#/docker');
     await page.getByRole('link', { name: 'Show project' }).click();
     assert.equal(await page.evaluate(() => location.hash), views[6]);
   });
 
   test('a program that is called by its name alone is named once', async (test) => {
-    const script = "process.title='lonely'; require('net').createServer().listen(0, '127.0.0.1', () => console.log('ready'))";
+    const script =
+      "process.title='lonely'; require('net').createServer().listen(0, '127.0.0.1', () => console.log('ready'))";
     const lonely = spawn(process.execPath, ['-e', script], { stdio: ['ignore', 'pipe', 'inherit'] });
     test.after(() => lonely.kill());
     await once(lonely.stdout, 'data');
@@ -164,29 +219,47 @@ await describePage('everybody can use the page', (sample) => {
     const { address, views } = await furnish(test);
     const page = await sample.open(test, views[7], { address });
     await page.getByText('Port 3000 is taken by another program.').waitFor();
-    const [panel, main] = await Promise.all(['.log-panel', '#page'].map((selector) => page.locator(selector).boundingBox()));
-    assert.ok(panel.y + panel.height <= main.y + main.height, `${panel.y + panel.height} against ${main.y + main.height}`);
-    assert.equal(await page.evaluate(() => { const { scrollHeight, clientHeight } = document.getElementById('page'); return scrollHeight - clientHeight; }), 0);
+    const [panel, main] = await Promise.all(
+      ['.log-panel', '#page'].map((selector) => page.locator(selector).boundingBox()),
+    );
+    assert.ok(
+      panel.y + panel.height <= main.y + main.height,
+      `${panel.y + panel.height} against ${main.y + main.height}`,
+    );
+    assert.equal(
+      await page.evaluate(() => {
+        const { scrollHeight, clientHeight } = document.getElementById('page');
+        return scrollHeight - clientHeight;
+      }),
+      0,
+    );
   });
 });
 
 const browser = await findBrowser();
 
-test('numbers and times are written as the user’s system writes them', { skip: browser.missing ?? false }, async (t) => {
-  const dashboard = await startDashboard(t, await makeHome(t));
-  for (const [locale, number, time] of [['de-DE', '1.284 keys', '18:05'], ['en-US', '1,284 keys', '6:05 PM']]) {
-    const context = await openBrowser(t, browser, { locale });
-    const page = await context.newPage();
-    await page.goto(dashboard.address);
-    const written = await page.evaluate(async () => {
-      const { clock, count, period } = await import('/js/text.js');
-      const at = (hour, minute) => new Date().setHours(hour, minute, 0, 0);
-      return [count(1284, 'key'), clock(at(18, 5)), period(at(18, 5), at(18, 7)), clock(0)];
-    });
-    assert.equal(written[0], number);
-    // Which of the blanks stands before “PM” has changed with the years.
-    assert.equal(written[1].replace(/\s/g, ' '), time);
-    assert.ok(written[2].startsWith(time.slice(0, 4)) && written[2].length > time.length, written[2]);
-    assert.match(written[3], /19(70|69)/);
-  }
-});
+test(
+  'numbers and times are written as the user’s system writes them',
+  { skip: browser.missing ?? false },
+  async (t) => {
+    const dashboard = await startDashboard(t, await makeHome(t));
+    for (const [locale, number, time] of [
+      ['de-DE', '1.284 keys', '18:05'],
+      ['en-US', '1,284 keys', '6:05 PM'],
+    ]) {
+      const context = await openBrowser(t, browser, { locale });
+      const page = await context.newPage();
+      await page.goto(dashboard.address);
+      const written = await page.evaluate(async () => {
+        const { clock, count, period } = await import('/js/text.js');
+        const at = (hour, minute) => new Date().setHours(hour, minute, 0, 0);
+        return [count(1284, 'key'), clock(at(18, 5)), period(at(18, 5), at(18, 7)), clock(0)];
+      });
+      assert.equal(written[0], number);
+      // Which of the blanks stands before “PM” has changed with the years.
+      assert.equal(written[1].replace(/\s/g, ' '), time);
+      assert.ok(written[2].startsWith(time.slice(0, 4)) && written[2].length > time.length, written[2]);
+      assert.match(written[3], /19(70|69)/);
+    }
+  },
+);

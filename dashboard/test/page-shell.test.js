@@ -58,20 +58,25 @@ await describePage('the page and the shell', (sample) => {
     assert.deepEqual([bar.y, bar.height], [0, 52]);
     const { y, height } = await page.locator('#toggleSide').boundingBox();
     assert.equal(y + height / 2, 34);
-    assert.ok(await left() > 74);
+    assert.ok((await left()) > 74);
     await page.evaluate(() => document.documentElement.classList.add('fullscreen'));
-    assert.ok(await left() < 40);
+    assert.ok((await left()) < 40);
     await page.evaluate(() => document.documentElement.classList.remove('fullscreen', 'native'));
-    assert.ok(await left() < 40);
+    assert.ok((await left()) < 40);
   });
 
   test('the update dialog opens, keeps the keyboard, closes, and may be removed by the shell', async (test) => {
     const page = await sample.open(test, '#/about');
     await ready(page);
     const dialog = page.getByRole('dialog', { name: 'Updates' });
-    for (const close of [() => page.keyboard.press('Escape'), () => page.getByRole('button', { name: 'Done' }).click(),
-      () => page.evaluate(() => document.querySelectorAll('.modal-bg').forEach((x) => x.remove()))]) {
-      await page.evaluate(() => { window.openUpdate(); });
+    for (const close of [
+      () => page.keyboard.press('Escape'),
+      () => page.getByRole('button', { name: 'Done' }).click(),
+      () => page.evaluate(() => document.querySelectorAll('.modal-bg').forEach((x) => x.remove())),
+    ]) {
+      await page.evaluate(() => {
+        window.openUpdate();
+      });
       await dialog.waitFor();
       for (let step = 0; step < 4; step += 1) {
         await page.keyboard.press('Tab');
@@ -103,7 +108,9 @@ await describePage('the page and the shell', (sample) => {
   test('text from projects is shown, never run', async (test) => {
     const hostile = await makeHome(test);
     const name = '<img src=x onerror="window.__run=1"><script>window.__run=1</script>';
-    await writeTree(hostile, { 'src/x/package.json': { name, version: name, scripts: { dev: 'echo "<script>window.__run=1</script>"' } } });
+    await writeTree(hostile, {
+      'src/x/package.json': { name, version: name, scripts: { dev: 'echo "<script>window.__run=1</script>"' } },
+    });
     const own = await startDashboard(test, hostile);
     const page = await sample.open(test, '#/', { address: own.address });
     await page.getByText(name).first().waitFor();
@@ -124,13 +131,28 @@ await describePage('the page and the shell', (sample) => {
     test.after(() => page.close());
     await page.goto(`http://127.0.0.1:${foreign.address().port}/`);
     const reached = await page.evaluate(async (address) => {
-      const simple = await fetch(`${address}/api/state`).then(() => 'read', () => 'refused');
-      const change = await fetch(`${address}/api/settings`, { method: 'POST', headers: { 'X-Harbrook': '1', 'Content-Type': 'application/json' }, body: '{}' })
-        .then(() => 'sent', () => 'refused');
+      const simple = await fetch(`${address}/api/state`).then(
+        () => 'read',
+        () => 'refused',
+      );
+      const change = await fetch(`${address}/api/settings`, {
+        method: 'POST',
+        headers: { 'X-Harbrook': '1', 'Content-Type': 'application/json' },
+        body: '{}',
+      }).then(
+        () => 'sent',
+        () => 'refused',
+      );
       return [simple, change];
     }, sample.dashboard.address);
     assert.deepEqual(reached, ['refused', 'refused']);
     const frame = page.frames().find((candidate) => candidate !== page.mainFrame());
-    assert.equal(await frame.locator('#page').count().catch(() => 0), 0);
+    assert.equal(
+      await frame
+        .locator('#page')
+        .count()
+        .catch(() => 0),
+      0,
+    );
   });
 });

@@ -11,7 +11,11 @@ const pictures = process.env.HARBROOK_TEST_PICTURES;
 
 await describePage('the page', (sample) => {
   const VIEWS = [
-    ['#/', 'Dashboard'], ['#/services', 'Services'], ['#/docker', 'Docker'], ['#/ports', 'Ports'], ['#/settings', 'Settings'],
+    ['#/', 'Dashboard'],
+    ['#/services', 'Services'],
+    ['#/docker', 'Docker'],
+    ['#/ports', 'Ports'],
+    ['#/settings', 'Settings'],
     ['#/about', 'About & Support'],
   ];
 
@@ -33,7 +37,10 @@ await describePage('the page', (sample) => {
     const page = await sample.open(test);
     await ready(page);
     const [loaded, announced] = await page.evaluate(() => [
-      performance.getEntriesByType('resource').map(({ name }) => new URL(name).pathname).filter((name) => name.endsWith('.js')),
+      performance
+        .getEntriesByType('resource')
+        .map(({ name }) => new URL(name).pathname)
+        .filter((name) => name.endsWith('.js')),
       [...document.querySelectorAll('link[rel=modulepreload]')].map((link) => new URL(link.href).pathname),
     ]);
     assert.deepEqual([...new Set(loaded)].sort(), announced.sort());
@@ -50,7 +57,13 @@ await describePage('the page', (sample) => {
   });
 
   test('a project is shown for its path as the shell encodes it', async (test) => {
-    const encoded = [...Buffer.from(sample.shop)].map((byte) => (/[A-Za-z0-9]/.test(String.fromCharCode(byte)) ? String.fromCharCode(byte) : `%${byte.toString(16).toUpperCase()}`)).join('');
+    const encoded = [...Buffer.from(sample.shop)]
+      .map((byte) =>
+        /[A-Za-z0-9]/.test(String.fromCharCode(byte))
+          ? String.fromCharCode(byte)
+          : `%${byte.toString(16).toUpperCase()}`,
+      )
+      .join('');
     const page = await sample.open(test, `#/p/${encoded}`);
     await page.getByRole('heading', { level: 1, name: /^shop/ }).waitFor();
     await ready(page);
@@ -59,7 +72,9 @@ await describePage('the page', (sample) => {
   test('a project is started and stopped, with its port and its output shown live', async (test) => {
     const page = await sample.open(test);
     await page.getByRole('button', { name: 'Start shop' }).click();
-    await eventually(() => page.evaluate(() => document.activeElement.getAttribute('aria-label') === 'Stop shop'), { what: 'the focus to follow' });
+    await eventually(() => page.evaluate(() => document.activeElement.getAttribute('aria-label') === 'Stop shop'), {
+      what: 'the focus to follow',
+    });
     const port = page.locator('.card', { hasText: 'shop' }).getByRole('link', { name: /Open port \d+/ });
     await port.waitFor();
     assert.equal(await port.getAttribute('target'), '_blank');
@@ -104,7 +119,13 @@ await describePage('the page', (sample) => {
       const held = [];
       await page.route(address, (route) => held.push(route));
       const next = () => eventually(() => held.shift(), { what: `a request for ${address}` });
-      return { next, release: async () => { await page.unroute(address); for (const route of held) await route.continue(); } };
+      return {
+        next,
+        release: async () => {
+          await page.unroute(address);
+          for (const route of held) await route.continue();
+        },
+      };
     };
     const shown = page.getByRole('switch');
     await shown.waitFor();
@@ -119,7 +140,12 @@ await describePage('the page', (sample) => {
     await late.fulfill({ response: before });
     await arrived;
     await overview.release();
-    await page.evaluate(() => new Promise((drawn) => { requestAnimationFrame(() => requestAnimationFrame(drawn)); }));
+    await page.evaluate(
+      () =>
+        new Promise((drawn) => {
+          requestAnimationFrame(() => requestAnimationFrame(drawn));
+        }),
+    );
     assert.equal(await shown.isChecked(), true);
 
     await (await saving.next()).continue();
@@ -130,7 +156,9 @@ await describePage('the page', (sample) => {
 
   test('a switch goes back when its choice could not be saved', async (test) => {
     const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
-    await page.route('**/api/project/settings', (route) => route.fulfill({ status: 500, json: { error: 'The disk is full.' } }));
+    await page.route('**/api/project/settings', (route) =>
+      route.fulfill({ status: 500, json: { error: 'The disk is full.' } }),
+    );
     await page.getByRole('switch').click();
     await page.getByText('The disk is full.').waitFor();
     await eventually(() => page.getByRole('switch').isChecked(), { what: 'the switch to go back' });
@@ -211,7 +239,10 @@ await describePage('the page', (sample) => {
   test('the canvas has the window’s colours, and every view is fit to be seen, light and dark', async (test) => {
     const page = await sample.open(test);
     if (pictures) await mkdir(pictures, { recursive: true });
-    for (const [colorScheme, canvas] of [['light', 'rgb(243, 244, 240)'], ['dark', 'rgb(22, 24, 22)']]) {
+    for (const [colorScheme, canvas] of [
+      ['light', 'rgb(243, 244, 240)'],
+      ['dark', 'rgb(22, 24, 22)'],
+    ]) {
       await page.emulateMedia({ colorScheme });
       assert.equal(await page.evaluate(() => getComputedStyle(document.documentElement).backgroundColor), canvas);
       for (const hash of [...VIEWS.map(([view]) => view), `#/p/${encodeURIComponent(sample.shop)}`]) {

@@ -4,7 +4,8 @@ import { once } from 'node:events';
 import { createServer } from 'node:net';
 import { test } from 'node:test';
 import { parseLsof, parseNetstat } from '../lib/ports/darwin.js';
-import { parseListening, parseStat } from '../lib/ports/linux.js';
+import { parseListening } from '../lib/ports/linux.js';
+import { parseStat } from '../lib/processes/proc.js';
 import { PortWatcher } from '../lib/ports/port-watcher.js';
 import { makeHome } from './support/machine.js';
 
@@ -41,11 +42,24 @@ tcp46      0      0  *.3000                 *.*                    LISTEN      1
 tcp6       0      0  ::1.6379               *.*                    LISTEN      131072 131072    600      0
 tcp4       0      0  192.168.1.2.50000      1.2.3.4.443            ESTABLISHED 131072 131072    700      0\n`;
   assert.deepEqual(parseNetstat(netstat), [
-    { address: '127.0.0.1', port: 5432 }, { address: '::', port: 3000 }, { address: '::1', port: 6379 },
+    { address: '127.0.0.1', port: 5432 },
+    { address: '::', port: 3000 },
+    { address: '::1', port: 6379 },
   ]);
-  const lsof = 'p411\ng410\nR1\ncpostgres\nu501\nf7\nn127.0.0.1:5432\nf8\nn[::1]:5432\np500\ng500\nR499\ncnode\nu501\nf20\nn*:3000\n';
+  const lsof =
+    'p411\ng410\nR1\ncpostgres\nu501\nf7\nn127.0.0.1:5432\nf8\nn[::1]:5432\np500\ng500\nR499\ncnode\nu501\nf20\nn*:3000\n';
   assert.deepEqual(parseLsof(lsof), [
-    { pid: 411, group: 410, parent: 1, name: 'postgres', uid: 501, sockets: [{ address: '127.0.0.1', port: 5432 }, { address: '::1', port: 5432 }] },
+    {
+      pid: 411,
+      group: 410,
+      parent: 1,
+      name: 'postgres',
+      uid: 501,
+      sockets: [
+        { address: '127.0.0.1', port: 5432 },
+        { address: '::1', port: 5432 },
+      ],
+    },
     { pid: 500, group: 500, parent: 499, name: 'node', uid: 501, sockets: [{ address: '0.0.0.0', port: 3000 }] },
   ]);
   assert.equal(parseLsof('p411\nfcwd\nn/Users/me/shop\n')[0].folder, '/Users/me/shop');
@@ -73,7 +87,10 @@ test('a real listening port is known with its process and folder, and forgotten 
   child.kill('SIGKILL');
   await once(child, 'exit');
   await watcher.look();
-  assert.equal(watcher.ports.some((candidate) => candidate.port === port), false);
+  assert.equal(
+    watcher.ports.some((candidate) => candidate.port === port),
+    false,
+  );
 });
 
 test('looking again without a change asks for no process and tells of no change', async () => {
@@ -89,7 +106,9 @@ test('looking again without a change asks for no process and tells of no change'
   };
   const watcher = new PortWatcher(source);
   let changes = 0;
-  watcher.on('change', () => { changes += 1; });
+  watcher.on('change', () => {
+    changes += 1;
+  });
   await watcher.look();
   await watcher.look();
   await watcher.look();
@@ -102,7 +121,10 @@ test('one server on several addresses is one port', async (t) => {
   const { port } = server.address();
   const other = createServer().listen({ port, host: '127.0.0.2' });
   await once(other, 'listening');
-  t.after(() => { server.close(); other.close(); });
+  t.after(() => {
+    server.close();
+    other.close();
+  });
   const watcher = new PortWatcher();
   await watcher.look();
   const entries = watcher.ports.filter((entry) => entry.port === port);

@@ -23,7 +23,8 @@ const ended = async (runner, path) => {
   return runner.run(path);
 };
 
-const printed = (runner, path, text) => eventually(() => runner.logText(path).includes(text), { what: `“${text}” in the output` });
+const printed = (runner, path, text) =>
+  eventually(() => runner.logText(path).includes(text), { what: `“${text}” in the output` });
 
 function isAlive(pid) {
   try {
@@ -43,7 +44,9 @@ test('a command runs in its project’s folder without the shell’s own variabl
   assert.equal(run.code, 0);
   const text = runner.logText(folder);
   for (const expected of [folder, '[]', '42', 'Ended normally.']) assert.ok(text.includes(expected), expected);
-  await eventually(() => readLogEnd(logFileFor(runner.logFile(folder).replace(/\/[^/]*$/, ''), folder)).includes('Ended normally.'));
+  await eventually(() =>
+    readLogEnd(logFileFor(runner.logFile(folder).replace(/\/[^/]*$/, ''), folder)).includes('Ended normally.'),
+  );
   assert.equal((await stat(runner.logFile(folder))).mode & 0o777, 0o600);
 });
 
@@ -66,17 +69,17 @@ test('a program that is not there is told', async (t) => {
 
 test('a folder that is gone is an error at once', async (t) => {
   const { folder, runner } = await makeRunner(t);
-  await assert.rejects(runner.start(join(folder, 'gone'), 'true'), { status: 500 });
+  await assert.rejects(runner.start(join(folder, 'gone'), 'true'), { reason: 'failed' });
   assert.equal(runner.isRunning(join(folder, 'gone')), false);
 });
 
 test('a running project is not started twice, a resting one not stopped', async (t) => {
   const { folder, runner } = await makeRunner(t);
-  await assert.rejects(runner.stop(folder), { status: 409 });
+  await assert.rejects(runner.stop(folder), { reason: 'conflict' });
   await runner.start(folder, 'sleep 60');
-  await assert.rejects(runner.start(folder, 'sleep 60'), { status: 409 });
+  await assert.rejects(runner.start(folder, 'sleep 60'), { reason: 'conflict' });
   await runner.stop(folder);
-  await assert.rejects(runner.stop(folder), { status: 409 });
+  await assert.rejects(runner.stop(folder), { reason: 'conflict' });
   await runner.start(folder, 'sleep 60');
   assert.equal(runner.isRunning(folder), true);
 });
@@ -128,7 +131,7 @@ test('a project has not ended before the last of its group has', async (t) => {
   const stopped = runner.stop(folder, 1000);
   await eventually(() => !isAlive(pid), { what: 'the command itself to end' });
   assert.equal(runner.isRunning(folder), true);
-  await assert.rejects(runner.start(folder, 'true'), { status: 409 });
+  await assert.rejects(runner.start(folder, 'true'), { reason: 'conflict' });
   await stopped;
   assert.equal(runner.isRunning(folder), false);
   assert.ok(runner.logText(folder).includes('Did not end when asked; forced.'));
@@ -142,7 +145,9 @@ test('a flood of output is kept in bounds, in memory and in the file', async (t)
   assert.ok(text.includes('the end'));
   assert.ok(text.length < 400_000, `${text.length} characters are kept`);
   const directory = join(runner.logFile(folder), '..');
-  const sizes = await Promise.all((await readdir(directory)).map(async (name) => (await stat(join(directory, name))).size));
+  const sizes = await Promise.all(
+    (await readdir(directory)).map(async (name) => (await stat(join(directory, name))).size),
+  );
   assert.equal(sizes.length, 2);
   for (const size of sizes) assert.ok(size < 5_000_000, `${size} bytes`);
 });
@@ -154,7 +159,7 @@ test('close ends everything and lets nothing begin', async (t) => {
   const pids = [runner.run(folder).pid, runner.run(home).pid];
   await runner.close();
   assert.deepEqual(pids.map(isAlive), [false, false]);
-  await assert.rejects(runner.start(folder, 'true'), { status: 503 });
+  await assert.rejects(runner.start(folder, 'true'), { reason: 'ending' });
 });
 
 test('logs of projects with the same folder name are kept apart, and no name leads out of the directory', () => {
@@ -169,9 +174,15 @@ test('causes are read from the output of common tools', () => {
     ['Error: listen EADDRINUSE: address already in use 127.0.0.1:8080', 'Port 8080 is taken by another program.'],
     ['bind: address already in use', 'The port it wants is taken by another program.'],
     ['sh: 1: vite: not found', 'The program “vite” was not found. It may have to be installed first.'],
-    ['/bin/bash: line 1: cargo: command not found', 'The program “cargo” was not found. It may have to be installed first.'],
+    [
+      '/bin/bash: line 1: cargo: command not found',
+      'The program “cargo” was not found. It may have to be installed first.',
+    ],
     ["Error: Cannot find module 'express'", 'The package “express” is missing. Its dependencies may not be installed.'],
-    ["ModuleNotFoundError: No module named 'django'", 'The Python module “django” is missing. Its dependencies may not be installed.'],
+    [
+      "ModuleNotFoundError: No module named 'django'",
+      'The Python module “django” is missing. Its dependencies may not be installed.',
+    ],
     ['connect ECONNREFUSED 127.0.0.1:5432', 'PostgreSQL does not answer on port 5432.'],
     ['Cannot connect to the Docker daemon at unix:///x', 'The Docker engine is not running.'],
     ['npm error Missing script: "dev"', 'package.json has no script “dev”.'],

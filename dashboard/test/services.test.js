@@ -19,7 +19,15 @@ const bulk = (text) => `$${Buffer.byteLength(text)}\r\n${text}\r\n`;
 test('a PostgreSQL server is known by its answer to the TLS question', async (t) => {
   assert.deepEqual(await probePostgres(await listen(t, postgres('N'))), { tls: false });
   assert.deepEqual(await probePostgres(await listen(t, postgres('S'))), { tls: true });
-  assert.equal(await probePostgres(await listen(t, answering(() => 'HTTP/1.1 400 Bad Request\r\n'))), null);
+  assert.equal(
+    await probePostgres(
+      await listen(
+        t,
+        answering(() => 'HTTP/1.1 400 Bad Request\r\n'),
+      ),
+    ),
+    null,
+  );
 });
 
 test('a silent, a closing and an absent server are none', async (t) => {
@@ -41,33 +49,93 @@ test('PostgreSQL sockets are found by their names, versions in the data folder',
   const home = await makeHome(t);
   await writeTree(home, { '.s.PGSQL.5433.lock': '', 'data/PG_VERSION': '16\n' });
   await listen(t, postgres('N'), { path: join(home, '.s.PGSQL.5433') });
-  assert.deepEqual([...await postgresSockets([home, '/does/not/exist'])], [[5433, join(home, '.s.PGSQL.5433')]]);
+  assert.deepEqual([...(await postgresSockets([home, '/does/not/exist']))], [[5433, join(home, '.s.PGSQL.5433')]]);
   assert.equal(await postgresVersion({ folder: join(home, 'data'), command: '' }), '16');
-  assert.equal(await postgresVersion({ folder: home, command: '/opt/homebrew/opt/postgresql@15/bin/postgres -D x' }), '15');
+  assert.equal(
+    await postgresVersion({ folder: home, command: '/opt/homebrew/opt/postgresql@15/bin/postgres -D x' }),
+    '15',
+  );
   assert.equal(await postgresVersion({ folder: home, command: 'postgres' }), null);
 });
 
 test('Redis tells its version and its keys', async (t) => {
   const info = '# Server\r\nredis_version:7.2.4\r\n# Keyspace\r\ndb0:keys=12,expires=0\r\ndb1:keys=3,expires=0\r\n';
-  assert.deepEqual(await probeRedis(await listen(t, answering(() => `+PONG\r\n${bulk(info)}`))),
-    { product: 'Redis', version: '7.2.4', keys: 15, needsPassword: false });
+  assert.deepEqual(
+    await probeRedis(
+      await listen(
+        t,
+        answering(() => `+PONG\r\n${bulk(info)}`),
+      ),
+    ),
+    { product: 'Redis', version: '7.2.4', keys: 15, needsPassword: false },
+  );
   const valkey = '# Server\r\nredis_version:7.2.4\r\nvalkey_version:8.0.1\r\n# Keyspace\r\n';
-  assert.deepEqual(await probeRedis(await listen(t, answering(() => `+PONG\r\n${bulk(valkey)}`))),
-    { product: 'Valkey', version: '8.0.1', keys: 0, needsPassword: false });
+  assert.deepEqual(
+    await probeRedis(
+      await listen(
+        t,
+        answering(() => `+PONG\r\n${bulk(valkey)}`),
+      ),
+    ),
+    { product: 'Valkey', version: '8.0.1', keys: 0, needsPassword: false },
+  );
 });
 
 test('Redis with a password, or with little to tell, is still Redis', async (t) => {
-  assert.equal((await probeRedis(await listen(t, answering(() => '-NOAUTH Authentication required.\r\n-NOAUTH x\r\n')))).needsPassword, true);
-  assert.deepEqual(await probeRedis(await listen(t, answering(() => '+PONG\r\n-NOPERM no\r\n'))),
-    { product: 'Redis', version: null, keys: null, needsPassword: false });
-  assert.equal(await probeRedis(await listen(t, answering(() => 'SSH-2.0-x\r\n\r\n'))), null);
+  assert.equal(
+    (
+      await probeRedis(
+        await listen(
+          t,
+          answering(() => '-NOAUTH Authentication required.\r\n-NOAUTH x\r\n'),
+        ),
+      )
+    ).needsPassword,
+    true,
+  );
+  assert.deepEqual(
+    await probeRedis(
+      await listen(
+        t,
+        answering(() => '+PONG\r\n-NOPERM no\r\n'),
+      ),
+    ),
+    { product: 'Redis', version: null, keys: null, needsPassword: false },
+  );
+  assert.equal(
+    await probeRedis(
+      await listen(
+        t,
+        answering(() => 'SSH-2.0-x\r\n\r\n'),
+      ),
+    ),
+    null,
+  );
 });
 
 const CONTAINERS = [
-  { Id: 'b'.repeat(64), Names: ['/web'], Image: 'nginx:1', State: 'running', Status: 'Up 2 hours',
-    Ports: [{ PrivatePort: 80, PublicPort: 8080, IP: '0.0.0.0' }, { PrivatePort: 80, PublicPort: 8080, IP: '::' }, { PrivatePort: 443 }],
-    Labels: { 'com.docker.compose.project': 'shop', 'com.docker.compose.project.working_dir': '/p/shop' } },
-  { Id: 'a'.repeat(64), Names: ['/old'], Image: 'redis:7', State: 'exited', Status: 'Exited (0)', Ports: [], Labels: {} },
+  {
+    Id: 'b'.repeat(64),
+    Names: ['/web'],
+    Image: 'nginx:1',
+    State: 'running',
+    Status: 'Up 2 hours',
+    Ports: [
+      { PrivatePort: 80, PublicPort: 8080, IP: '0.0.0.0' },
+      { PrivatePort: 80, PublicPort: 8080, IP: '::' },
+      { PrivatePort: 443 },
+    ],
+    Labels: { 'com.docker.compose.project': 'shop', 'com.docker.compose.project.working_dir': '/p/shop' },
+  },
+  {
+    Id: 'a'.repeat(64),
+    Names: ['/old'],
+    Image: 'redis:7',
+    State: 'exited',
+    Status: 'Exited (0)',
+    Ports: [],
+    Labels: {},
+  },
 ];
 
 test('containers are described by what the engine says', async (t) => {
@@ -75,10 +143,19 @@ test('containers are described by what the engine says', async (t) => {
   const found = await probeDocker([engine.path]);
   assert.equal(found.available, true);
   assert.equal(found.version, '27.1');
-  assert.deepEqual(found.containers.map(({ name }) => name), ['old', 'web']);
+  assert.deepEqual(
+    found.containers.map(({ name }) => name),
+    ['old', 'web'],
+  );
   assert.deepEqual(found.containers[1], {
-    id: 'b'.repeat(12), name: 'web', image: 'nginx:1', state: 'running', status: 'Up 2 hours', ports: [{ port: 8080, inside: 80 }],
-    composeProject: 'shop', folder: '/p/shop',
+    id: 'b'.repeat(12),
+    name: 'web',
+    image: 'nginx:1',
+    state: 'running',
+    status: 'Up 2 hours',
+    ports: [{ port: 8080, inside: 80 }],
+    composeProject: 'shop',
+    folder: '/p/shop',
   });
 });
 
@@ -115,7 +192,9 @@ test('services follow the ports and the engine’s events', async (t) => {
   assert.equal(services.value.docker.available, true);
 
   changed = change();
-  ports.ports = [{ port: database.port, addresses: ['127.0.0.1'], process: { pid: 1, name: 'postgres', command: '', folder: null } }];
+  ports.ports = [
+    { port: database.port, addresses: ['127.0.0.1'], process: { pid: 1, name: 'postgres', command: '', folder: null } },
+  ];
   ports.emit('change');
   await changed;
   assert.deepEqual(services.value.postgres, [{ port: database.port, socket: null, tls: false, version: null }]);
@@ -130,9 +209,13 @@ test('services follow the ports and the engine’s events', async (t) => {
 test('a program on another port that is neither named nor published like a service is left in peace', async (t) => {
   const home = await makeHome(t);
   let asked = 0;
-  const server = createServer(() => { asked += 1; });
+  const server = createServer(() => {
+    asked += 1;
+  });
   const { port } = await listen(t, server);
-  const ports = Object.assign(new EventEmitter(), { ports: [{ port, addresses: ['127.0.0.1'], process: { pid: 1, name: 'node', command: '' } }] });
+  const ports = Object.assign(new EventEmitter(), {
+    ports: [{ port, addresses: ['127.0.0.1'], process: { pid: 1, name: 'node', command: '' } }],
+  });
   const services = new Services({ home, ports, sockets: [], postgresFolders: [] });
   await services.look();
   assert.equal(asked, 0);

@@ -19,7 +19,10 @@ async function makeSettings(t, text) {
 test('without a file there are the usual folders and no choices', async (t) => {
   const { home, open, dataDirectory } = await makeSettings(t);
   const settings = open();
-  assert.deepEqual(settings.folders, ['projects', 'src', 'code', 'dev'].map((name) => join(home, name)));
+  assert.deepEqual(
+    settings.folders,
+    ['projects', 'src', 'code', 'dev'].map((name) => join(home, name)),
+  );
   assert.equal(settings.foldersAreDefault, true);
   assert.deepEqual(settings.project('/x'), {});
   await assert.rejects(stat(dataDirectory), 'reading makes no directory');
@@ -54,7 +57,9 @@ test('null takes a choice back, and what is not named stays', async (t) => {
 test('changes made at once are all kept', async (t) => {
   const { open } = await makeSettings(t);
   const settings = open();
-  await Promise.all(Array.from({ length: 20 }, (_, index) => settings.setProject(`/p${index}`, { command: `run ${index}` })));
+  await Promise.all(
+    Array.from({ length: 20 }, (_, index) => settings.setProject(`/p${index}`, { command: `run ${index}` })),
+  );
   const again = open();
   for (let index = 0; index < 20; index += 1) assert.equal(again.project(`/p${index}`).command, `run ${index}`);
 });
@@ -77,9 +82,14 @@ test('a damaged file is kept aside and the defaults hold', async (t) => {
 });
 
 test('what a file should not hold is left out', async (t) => {
-  const { open } = await makeSettings(t, JSON.stringify({
-    folders: ['relative'], projects: { '/x': { command: 5, menubar: 'yes' }, '/y': 7, '/z': { command: 'go', other: 1 } }, more: true,
-  }));
+  const { open } = await makeSettings(
+    t,
+    JSON.stringify({
+      folders: ['relative'],
+      projects: { '/x': { command: 5, menubar: 'yes' }, '/y': 7, '/z': { command: 'go', other: 1 } },
+      more: true,
+    }),
+  );
   const settings = open();
   assert.equal(settings.foldersAreDefault, true);
   assert.deepEqual(settings.project('/x'), {});
@@ -90,10 +100,16 @@ test('values that make no sense are refused and change nothing', async (t) => {
   const { open } = await makeSettings(t);
   const settings = open();
   for (const folders of ['/a', [1], ['a'], ['/a\0b'], Array(51).fill('/a'), [`/${'a'.repeat(5000)}`], {}]) {
-    assert.throws(() => settings.setFolders(folders), { status: 400 });
+    assert.throws(() => settings.setFolders(folders), { reason: 'invalid' });
   }
-  for (const patch of [{ command: 5 }, { command: 'a\nb' }, { command: 'x'.repeat(2001) }, { menubar: 'yes' }, { menubar: 1 }]) {
-    assert.throws(() => settings.setProject('/x', patch), { status: 400 });
+  for (const patch of [
+    { command: 5 },
+    { command: 'a\nb' },
+    { command: 'x'.repeat(2001) },
+    { menubar: 'yes' },
+    { menubar: 1 },
+  ]) {
+    assert.throws(() => settings.setProject('/x', patch), { reason: 'invalid' });
   }
   assert.deepEqual(settings.project('/x'), {});
   assert.equal(settings.foldersAreDefault, true);
@@ -103,7 +119,7 @@ test('a change that cannot be written is refused, undone, and hinders no later o
   const { open, dataDirectory } = await makeSettings(t);
   await writeFile(dataDirectory, 'a file where the directory should be');
   const settings = open();
-  await assert.rejects(settings.setFolders(['/a']), { status: 500 });
+  await assert.rejects(settings.setFolders(['/a']), { reason: 'failed' });
   assert.equal(settings.foldersAreDefault, true);
   await (await import('node:fs/promises')).rm(dataDirectory);
   await settings.setFolders(['/b']);

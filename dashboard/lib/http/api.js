@@ -16,37 +16,52 @@ export function apiRoutes(dashboard) {
     ['/api/overview', { GET: ({ response }) => sendJson(response, dashboard.overview) }],
     ['/api/about', { GET: ({ response }) => sendJson(response, about(dashboard)) }],
     ['/api/events', { GET: ({ response }) => streamEvents(dashboard, response) }],
-    ['/api/settings', {
-      GET: ({ response }) => sendJson(response, settingsOf(dashboard)),
-      async POST({ body, response }) {
-        if (body.folders !== undefined) await dashboard.settings.setFolders(body.folders);
-        sendJson(response, settingsOf(dashboard));
+    [
+      '/api/settings',
+      {
+        GET: ({ response }) => sendJson(response, settingsOf(dashboard)),
+        async POST({ body, response }) {
+          if (body.folders !== undefined) await dashboard.settings.setFolders(body.folders);
+          sendJson(response, settingsOf(dashboard));
+        },
       },
-    }],
-    ['/api/project/start', {
-      async POST({ body, response }) {
-        await dashboard.startProject(body.path);
-        sendJson(response, { ok: true });
+    ],
+    [
+      '/api/project/start',
+      {
+        async POST({ body, response }) {
+          await dashboard.startProject(body.path);
+          sendJson(response, { ok: true });
+        },
       },
-    }],
-    ['/api/project/stop', {
-      async POST({ body, response }) {
-        await dashboard.stopProject(body.path);
-        sendJson(response, { ok: true });
+    ],
+    [
+      '/api/project/stop',
+      {
+        async POST({ body, response }) {
+          await dashboard.stopProject(body.path);
+          sendJson(response, { ok: true });
+        },
       },
-    }],
-    ['/api/project/settings', {
-      async POST({ body, response }) {
-        const { path } = dashboard.project(body.path);
-        await dashboard.settings.setProject(path, body);
-        sendJson(response, { ok: true });
+    ],
+    [
+      '/api/project/settings',
+      {
+        async POST({ body, response }) {
+          const { path } = dashboard.project(body.path);
+          await dashboard.settings.setProject(path, body);
+          sendJson(response, { ok: true });
+        },
       },
-    }],
-    ['/api/project/log', {
-      GET({ url, response }) {
-        const { path } = dashboard.project(url.searchParams.get('path'));
-        streamLog(dashboard.runner, path, url.searchParams.get('follow') === '1', response);
+    ],
+    [
+      '/api/project/log',
+      {
+        GET({ url, response }) {
+          const { path } = dashboard.project(url.searchParams.get('path'));
+          streamLog(dashboard.runner, path, url.searchParams.get('follow') === '1', response);
+        },
       },
-    }],
+    ],
   ]);
 }

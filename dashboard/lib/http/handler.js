@@ -1,10 +1,20 @@
 import { fileURLToPath } from 'node:url';
 import { apiRoutes } from './api.js';
 import { hostIsLocal, mayChange, originIsOwn, SECURITY_HEADERS, tokenCheck } from './guard.js';
+import { Refusal } from '../refusal.js';
 import { HttpError, readJson, sendJson } from './respond.js';
 import { staticFiles } from './static-files.js';
 
 const pageDirectory = fileURLToPath(new URL('../../page', import.meta.url));
+
+const STATUS = { invalid: 400, unknown: 404, conflict: 409, failed: 500, ending: 503 };
+
+/** The status and the sentence that the client is told of an error; of an unexpected one only that it was. */
+function answerTo(error) {
+  if (error instanceof HttpError) return { status: error.status, message: error.message };
+  if (error instanceof Refusal) return { status: STATUS[error.reason], message: error.message };
+  return { status: 500, message: 'Something went wrong here.', isUnexpected: true };
+}
 
 function parseAddress(text) {
   try {
@@ -40,22 +50,23 @@ export function createHandler({ dashboard, token }) {
     if (!hostIsLocal(request)) throw new HttpError(403, 'Only localhost is served.');
     const url = parseAddress(request.url);
     if (url.pathname.startsWith('/api/')) return answerApi(url, request, response);
-    if (request.method !== 'GET' && request.method !== 'HEAD') throw new HttpError(405, 'This method is not allowed here.');
+    if (request.method !== 'GET' && request.method !== 'HEAD')
+      throw new HttpError(405, 'This method is not allowed here.');
     if (!(await serveFile(url.pathname, request, response))) throw new HttpError(404, 'There is no such page.');
     return undefined;
   }
 
   return (request, response) => {
     answer(request, response).catch((error) => {
-      const known = error instanceof HttpError;
-      if (!known) console.error(`${request.method} ${request.url}:`, error);
+      const { status, message, isUnexpected } = answerTo(error);
+      if (isUnexpected) console.error(`${request.method} ${request.url}:`, error);
       if (response.headersSent) {
         response.destroy();
         return;
       }
       // The rest of a refused body is not read, so the connection cannot be used again.
       if (request.method === 'POST' && !request.complete) response.setHeader('Connection', 'close');
-      sendJson(response, { error: known ? error.message : 'Something went wrong here.' }, known ? error.status : 500);
+      sendJson(response, { error: message }, status);
     });
   };
 }

@@ -19,7 +19,7 @@ export function sendJson(response, value, status = 200) {
   response.end(body);
 }
 
-/** Reads a request's JSON object. Throws HttpError for another media type, too long a body, or anything but an object. */
+/** Reads a request's JSON object. Throws HttpError for another media type, too long a body, or anything else in it. */
 export async function readJson(request) {
   const mediaType = (request.headers['content-type'] ?? '').split(';')[0].trim().toLowerCase();
   if (mediaType !== 'application/json') throw new HttpError(415, 'The body must be application/json.');

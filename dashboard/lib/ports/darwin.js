@@ -3,7 +3,7 @@ import { promisify } from 'node:util';
 
 const run = promisify(execFile);
 
-/** Runs one of the system's tools; lsof ends with 1 when something could not be looked at, which is not a failure here. */
+/** Runs one of the system's tools; lsof ends with 1 when it could not look at something, which is no failure here. */
 async function output(command, parameters) {
   try {
     return (await run(command, parameters, { timeout: 5000, maxBuffer: 16 * 1024 * 1024 })).stdout;
@@ -60,16 +60,28 @@ export const darwinPorts = {
   async withProcesses(sockets) {
     const listening = parseLsof(await output('/usr/sbin/lsof', ['-nP', '-iTCP', '-sTCP:LISTEN', '-FpgRcun']));
     const pids = listening.map((process) => process.pid).join(',');
-    const [folders, commands] = pids === '' ? ['', ''] : await Promise.all([
-      output('/usr/sbin/lsof', ['-a', '-d', 'cwd', '-p', pids, '-Fpn']),
-      output('/bin/ps', ['-ww', '-o', 'pid=,command=', '-p', pids]),
-    ]);
+    const [folders, commands] =
+      pids === ''
+        ? ['', '']
+        : await Promise.all([
+            output('/usr/sbin/lsof', ['-a', '-d', 'cwd', '-p', pids, '-Fpn']),
+            output('/bin/ps', ['-ww', '-o', 'pid=,command=', '-p', pids]),
+          ]);
     const folderOf = new Map(parseLsof(folders).map(({ pid, folder }) => [pid, folder]));
-    const commandOf = new Map(commands.split('\n').map((line) => /^\s*(\d+)\s+(.*)$/.exec(line)).filter(Boolean)
-      .map(([, pid, command]) => [Number(pid), command]));
+    const commandOf = new Map(
+      commands
+        .split('\n')
+        .map((line) => /^\s*(\d+)\s+(.*)$/.exec(line))
+        .filter(Boolean)
+        .map(([, pid, command]) => [Number(pid), command]),
+    );
 
     const found = listening.flatMap(({ sockets: own, ...process }) => {
-      const described = { ...process, folder: folderOf.get(process.pid) ?? null, command: commandOf.get(process.pid) ?? '' };
+      const described = {
+        ...process,
+        folder: folderOf.get(process.pid) ?? null,
+        command: commandOf.get(process.pid) ?? '',
+      };
       return own.map((socket) => ({ ...socket, uid: process.uid, process: described }));
     });
     const seen = new Set(found.map(({ port }) => port));

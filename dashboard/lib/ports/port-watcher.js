@@ -1,7 +1,7 @@
 import { EventEmitter } from 'node:events';
 import { darwinPorts } from './darwin.js';
 import { LinuxPorts } from './linux.js';
-import { isAlive } from '../is-alive.js';
+import { isAlive } from '../processes/is-alive.js';
 
 const SOURCES = { linux: () => new LinuxPorts(), darwin: () => darwinPorts };
 
@@ -83,7 +83,10 @@ export class PortWatcher extends EventEmitter {
 
   async #look() {
     const sockets = await this.#source.sockets();
-    const fingerprint = sockets.map(({ address, port, inode }) => `${address} ${port} ${inode}`).sort().join('\n');
+    const fingerprint = sockets
+      .map(({ address, port, inode }) => `${address} ${port} ${inode}`)
+      .sort()
+      .join('\n');
     const holdersLive = this.#ports.every(({ process: holder }) => !holder || isAlive(holder.pid));
     // A socket of the user's own with no process was caught while it changed hands; it is looked up a few times more.
     if (fingerprint === this.#fingerprint && holdersLive && this.#unresolved === 0) return;

@@ -203,7 +203,14 @@ export class Finder extends EventEmitter {
       if (this.#nodes.size >= MOST_FOLDERS) break;
       node.children.add(child);
       const realPath = join(node.realPath, basename(child));
-      this.#nodes.set(child, { path: child, realPath, depth: node.depth + 1, inside, isRoot: false, children: new Set() });
+      this.#nodes.set(child, {
+        path: child,
+        realPath,
+        depth: node.depth + 1,
+        inside,
+        isRoot: false,
+        children: new Set(),
+      });
       this.#enqueue(child);
     }
   }
@@ -229,7 +236,10 @@ export class Finder extends EventEmitter {
       this.#unwatched.delete(node.path);
     } else this.#unwatched.add(node.path);
     if (this.#unwatched.size > 0 && !this.#unwatchedTimer) {
-      this.#unwatchedTimer = setInterval(() => this.#unwatched.forEach((path) => this.#enqueue(path)), RESCAN_UNWATCHED);
+      this.#unwatchedTimer = setInterval(
+        () => this.#unwatched.forEach((path) => this.#enqueue(path)),
+        RESCAN_UNWATCHED,
+      );
     }
   }
 }

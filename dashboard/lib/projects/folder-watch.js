@@ -15,7 +15,7 @@ export function watchFolder(path, onChange) {
   }
 }
 
-/** Runs `task(key)` some time after `schedule(key)`, once for many calls, and never more often than the spacing allows. */
+/** Runs `task(key)` some time after `schedule(key)`, once for many calls, never more often than the spacing allows. */
 export class Debouncer {
   #timers = new Map();
   #lastRun = new Map();

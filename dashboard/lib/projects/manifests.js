@@ -42,9 +42,18 @@ function packageManager(manifest, names) {
 function nodeKind(manifest) {
   const packages = { ...manifest.dependencies, ...manifest.devDependencies };
   const known = [
-    ['next', 'Next.js'], ['nuxt', 'Nuxt'], ['@sveltejs/kit', 'SvelteKit'], ['astro', 'Astro'], ['@angular/core', 'Angular'],
-    ['@remix-run/react', 'Remix'], ['electron', 'Electron'], ['vite', 'Vite'], ['@nestjs/core', 'NestJS'],
-    ['express', 'Express'], ['fastify', 'Fastify'], ['typescript', 'TypeScript'],
+    ['next', 'Next.js'],
+    ['nuxt', 'Nuxt'],
+    ['@sveltejs/kit', 'SvelteKit'],
+    ['astro', 'Astro'],
+    ['@angular/core', 'Angular'],
+    ['@remix-run/react', 'Remix'],
+    ['electron', 'Electron'],
+    ['vite', 'Vite'],
+    ['@nestjs/core', 'NestJS'],
+    ['express', 'Express'],
+    ['fastify', 'Fastify'],
+    ['typescript', 'TypeScript'],
   ];
   return known.find(([name]) => Object.hasOwn(packages, name))?.[1] ?? 'Node.js';
 }
@@ -119,46 +128,72 @@ export const MANIFESTS = [
   ['package.json', readPackage],
   ['deno.json', readDeno],
   ['deno.jsonc', readDeno],
-  ['Cargo.toml', (text, names) => ({
-    kind: 'Rust',
-    name: tomlString(text, 'package', 'name'),
-    version: tomlString(text, 'package', 'version'),
-    // A bare library or workspace has nothing to run.
-    command: tomlString(text, 'package', 'name') && names.has('src/main.rs') ? 'cargo run' : undefined,
-  })],
-  ['go.mod', (text, names) => ({
-    kind: 'Go',
-    name: /^module\s+(\S+)/m.exec(text)?.[1].replace(/\/v\d+$/, '').split('/').pop(),
-    command: names.has('main.go') ? 'go run .' : undefined,
-  })],
+  [
+    'Cargo.toml',
+    (text, names) => ({
+      kind: 'Rust',
+      name: tomlString(text, 'package', 'name'),
+      version: tomlString(text, 'package', 'version'),
+      // A bare library or workspace has nothing to run.
+      command: tomlString(text, 'package', 'name') && names.has('src/main.rs') ? 'cargo run' : undefined,
+    }),
+  ],
+  [
+    'go.mod',
+    (text, names) => ({
+      kind: 'Go',
+      name: /^module\s+(\S+)/m
+        .exec(text)?.[1]
+        .replace(/\/v\d+$/, '')
+        .split('/')
+        .pop(),
+      command: names.has('main.go') ? 'go run .' : undefined,
+    }),
+  ],
   ['pyproject.toml', readPyproject],
   ['manage.py', () => ({ kind: 'Django', command: 'python3 manage.py runserver' })],
   ['requirements.txt', () => ({ kind: 'Python' })],
   ['Gemfile', readGemfile],
   ['composer.json', readComposer],
-  ['mix.exs', (text) => ({
-    kind: 'Elixir',
-    name: /\bapp:\s*:(\w+)/.exec(text)?.[1],
-    version: /\bversion:\s*"([^"]+)"/.exec(text)?.[1],
-    command: /:phoenix\b/.test(text) ? 'mix phx.server' : undefined,
-  })],
-  ['pom.xml', (text) => ({
-    kind: 'Maven',
-    name: /<artifactId>([^<]+)</.exec(text.replace(/<parent>[\s\S]*?<\/parent>/, ''))?.[1],
-    version: /<version>([^<$]+)</.exec(text.replace(/<parent>[\s\S]*?<\/parent>/, '').split('<dependencies>')[0])?.[1],
-  })],
+  [
+    'mix.exs',
+    (text) => ({
+      kind: 'Elixir',
+      name: /\bapp:\s*:(\w+)/.exec(text)?.[1],
+      version: /\bversion:\s*"([^"]+)"/.exec(text)?.[1],
+      command: /:phoenix\b/.test(text) ? 'mix phx.server' : undefined,
+    }),
+  ],
+  [
+    'pom.xml',
+    (text) => ({
+      kind: 'Maven',
+      name: /<artifactId>([^<]+)</.exec(text.replace(/<parent>[\s\S]*?<\/parent>/, ''))?.[1],
+      version: /<version>([^<$]+)</.exec(
+        text.replace(/<parent>[\s\S]*?<\/parent>/, '').split('<dependencies>')[0],
+      )?.[1],
+    }),
+  ],
   ['build.gradle', () => ({ kind: 'Gradle' })],
   ['build.gradle.kts', () => ({ kind: 'Gradle' })],
   ['Package.swift', () => ({ kind: 'Swift' })],
-  ['pubspec.yaml', (text) => ({
-    kind: 'Dart', name: /^name:\s*(\S+)/m.exec(text)?.[1], version: /^version:\s*(\S+)/m.exec(text)?.[1],
-  })],
+  [
+    'pubspec.yaml',
+    (text) => ({
+      kind: 'Dart',
+      name: /^name:\s*(\S+)/m.exec(text)?.[1],
+      version: /^version:\s*(\S+)/m.exec(text)?.[1],
+    }),
+  ],
   ['CMakeLists.txt', readCmake],
-  ['meson.build', (text) => ({
-    kind: 'Meson',
-    name: /project\s*\(\s*'([^']+)'/.exec(text)?.[1],
-    version: /\bversion\s*:\s*'([^']+)'/.exec(text)?.[1],
-  })],
+  [
+    'meson.build',
+    (text) => ({
+      kind: 'Meson',
+      name: /project\s*\(\s*'([^']+)'/.exec(text)?.[1],
+      version: /\bversion\s*:\s*'([^']+)'/.exec(text)?.[1],
+    }),
+  ],
   ['compose.yaml', readCompose],
   ['compose.yml', readCompose],
   ['docker-compose.yaml', readCompose],

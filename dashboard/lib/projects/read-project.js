@@ -19,7 +19,11 @@ async function readStart(path) {
   }
 }
 
-const exists = (path) => access(path).then(() => true, () => false);
+const exists = (path) =>
+  access(path).then(
+    () => true,
+    () => false,
+  );
 
 /**
  * What the manifests among `names` (the files of folder `path`) say of the project, or null when there is none.

@@ -7,7 +7,10 @@ const KEPT_IN_MEMORY = 256 * 1024;
 
 /** The log file of a project: readable by its folder's name, unique by its path. */
 export function logFileFor(directory, projectPath) {
-  const name = basename(projectPath).replace(/[^\w.-]+/g, '_').slice(0, 60) || 'project';
+  const name =
+    basename(projectPath)
+      .replace(/[^\w.-]+/g, '_')
+      .slice(0, 60) || 'project';
   return join(directory, `${name}-${createHash('sha256').update(projectPath).digest('hex').slice(0, 10)}.log`);
 }
 

@@ -1,7 +1,7 @@
 import { EventEmitter } from 'node:events';
-import { HttpError } from '../http/respond.js';
 import { diagnose } from './diagnose.js';
-import { ProcessGroup } from './process-group.js';
+import { ProcessGroup } from '../processes/process-group.js';
+import { Refusal } from '../refusal.js';
 import { logFileFor, readLogEnd, RunLog } from './run-log.js';
 
 export const GRACE = 5000;
@@ -29,8 +29,8 @@ export class Runner extends EventEmitter {
   }
 
   /**
-   * The last run of a project: { pid, startedAt, stopping, ended, code, signal, command } or undefined. It has ended when
-   * nothing of its process group is left.
+   * The last run of a project: { pid, startedAt, stopping, ended, code, signal, command } or undefined. It has ended
+   * when nothing of its process group is left.
    */
   run(path) {
     return this.#runs.get(path);
@@ -46,15 +46,25 @@ export class Runner extends EventEmitter {
     return new Map([...this.#runs].filter(([, run]) => !run.ended).map(([path, run]) => [run.pid, path]));
   }
 
-  /** Starts `command` in the project's folder. Throws HttpError when it runs already or cannot be started. */
+  /** Starts `command` in the project's folder. Throws a Refusal when it runs already or cannot be started. */
   async start(path, command) {
-    if (this.#closing) throw new HttpError(503, 'Harbrook is quitting.');
-    if (this.isRunning(path)) throw new HttpError(409, 'The project is running already.');
+    if (this.#closing) throw new Refusal('ending', 'Harbrook is quitting.');
+    if (this.isRunning(path)) throw new Refusal('conflict', 'The project is running already.');
     const log = new RunLog(logFileFor(this.#directory, path));
     log.append(`$ ${command}\n`);
     const group = new ProcessGroup(command, path);
     const { leader } = group;
-    const run = { group, pid: group.pid, command, log, startedAt: Date.now(), stopping: false, ended: false, code: null, signal: null };
+    const run = {
+      group,
+      pid: group.pid,
+      command,
+      log,
+      startedAt: Date.now(),
+      stopping: false,
+      ended: false,
+      code: null,
+      signal: null,
+    };
     this.#runs.get(path)?.log.close();
     this.#runs.set(path, run);
     for (const stream of [leader.stdout, leader.stderr]) this.#collect(stream, log);
@@ -66,7 +76,7 @@ export class Runner extends EventEmitter {
     });
     if (group.pid === undefined) {
       await run.finished;
-      throw new HttpError(500, `The command could not be started: ${run.failure}`);
+      throw new Refusal('failed', `The command could not be started: ${run.failure}`);
     }
     this.emit('change');
   }
@@ -87,7 +97,11 @@ export class Runner extends EventEmitter {
   }
 
   async #failed(run, error) {
-    Object.assign(run, { ended: true, endedAt: Date.now(), failure: error.code === 'ENOENT' ? 'the folder is gone.' : error.message });
+    Object.assign(run, {
+      ended: true,
+      endedAt: Date.now(),
+      failure: error.code === 'ENOENT' ? 'the folder is gone.' : error.message,
+    });
     run.log.append(`Could not be started: ${run.failure}\n`);
     this.emit('change');
   }
@@ -95,7 +109,8 @@ export class Runner extends EventEmitter {
   async #end(run, { code, signal }) {
     const { group, log } = run;
     const { leader } = group;
-    const output = leader.stdout.closed && leader.stderr.closed ? null : new Promise((resolve) => leader.once('close', resolve));
+    const output =
+      leader.stdout.closed && leader.stderr.closed ? null : new Promise((resolve) => leader.once('close', resolve));
     // What the command has left behind in its group goes with it.
     if (!run.stopping) group.signal('SIGTERM');
     if (!(await group.isGone(GRACE))) {
@@ -115,7 +130,7 @@ export class Runner extends EventEmitter {
   /** Asks the project's group to end and forces it after the grace time. Fulfilled when it has ended. */
   async stop(path, grace = GRACE) {
     const run = this.#runs.get(path);
-    if (!run || run.ended) throw new HttpError(409, 'Harbrook has not started this project.');
+    if (!run || run.ended) throw new Refusal('conflict', 'Harbrook has not started this project.');
     if (!run.stopping) {
       run.stopping = true;
       this.emit('change');

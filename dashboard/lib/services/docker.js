@@ -4,7 +4,19 @@ import { join } from 'node:path';
 
 const TIMEOUT = 2000;
 const LONGEST_ANSWER = 16 * 1024 * 1024;
-const EVENTS = ['create', 'start', 'restart', 'die', 'stop', 'kill', 'pause', 'unpause', 'rename', 'destroy', 'health_status'];
+const EVENTS = [
+  'create',
+  'start',
+  'restart',
+  'die',
+  'stop',
+  'kill',
+  'pause',
+  'unpause',
+  'rename',
+  'destroy',
+  'health_status',
+];
 
 /** Where a container engine's socket may be, the user's own choice first. */
 export function dockerSockets({ home, environment = process.env }) {
@@ -49,7 +61,8 @@ function getJson(socketPath, path) {
 
 function container(entry) {
   const labels = entry.Labels ?? {};
-  const ports = (entry.Ports ?? []).filter((port) => port.PublicPort)
+  const ports = (entry.Ports ?? [])
+    .filter((port) => port.PublicPort)
     .map((port) => ({ port: port.PublicPort, inside: port.PrivatePort }));
   const unique = new Map(ports.map((mapping) => [`${mapping.port}:${mapping.inside}`, mapping]));
   return {
@@ -71,10 +84,17 @@ function container(entry) {
 export async function probeDocker(sockets) {
   let reason = null;
   for (const socket of sockets) {
-    if (!(await access(socket).then(() => true, () => false))) continue;
+    if (
+      !(await access(socket).then(
+        () => true,
+        () => false,
+      ))
+    )
+      continue;
     try {
       const [version, containers] = await Promise.all([
-        getJson(socket, '/version'), getJson(socket, '/containers/json?all=1'),
+        getJson(socket, '/version'),
+        getJson(socket, '/containers/json?all=1'),
       ]);
       const sorted = containers.map(container).sort((one, other) => one.name.localeCompare(other.name));
       return { available: true, socket, version: String(version.Version ?? ''), containers: sorted };
@@ -93,11 +113,14 @@ function describe(error) {
 /** Calls `onEvent` when a container changes and `onEnd` when the engine goes away. Returns a function that ends it. */
 export function followDocker(socketPath, onEvent, onEnd) {
   const filters = encodeURIComponent(JSON.stringify({ type: ['container'], event: EVENTS }));
-  const call = request({ socketPath, path: `/events?filters=${filters}`, headers: { Host: 'localhost' } }, (response) => {
-    response.on('data', onEvent);
-    response.on('error', () => {});
-    response.on('close', onEnd);
-  });
+  const call = request(
+    { socketPath, path: `/events?filters=${filters}`, headers: { Host: 'localhost' } },
+    (response) => {
+      response.on('data', onEvent);
+      response.on('error', () => {});
+      response.on('close', onEnd);
+    },
+  );
   call.on('error', onEnd);
   call.end();
   return () => call.destroy();

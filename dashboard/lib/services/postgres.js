@@ -5,7 +5,7 @@ import { ask } from './ask.js';
 const TIMEOUT = 800;
 const SOCKET_FOLDERS = ['/var/run/postgresql', '/tmp'];
 
-// "Do you speak TLS?": the one question that a server answers before it knows who asks. Eight bytes long, code 80877103.
+// "Do you speak TLS?": the one question a server answers before it knows who asks. Eight bytes long, code 80877103.
 const TLS_QUESTION = Buffer.from([0, 0, 0, 8, 0x04, 0xd2, 0x16, 0x2f]);
 
 /** Asks whether a PostgreSQL server listens at `target`: { tls } when it does, else null. */

@@ -7,12 +7,21 @@ const INTERVAL = 30_000;
 const SETTLE = 300;
 
 const KINDS = {
-  postgres: { usualPort: (port) => port >= 5432 && port <= 5439, processName: /^(postgres|postmaster)/, insidePort: 5432 },
-  redis: { usualPort: (port) => port >= 6379 && port <= 6389, processName: /^(redis|valkey|keydb)-server/, insidePort: 6379 },
+  postgres: {
+    usualPort: (port) => port >= 5432 && port <= 5439,
+    processName: /^(postgres|postmaster)/,
+    insidePort: 5432,
+  },
+  redis: {
+    usualPort: (port) => port >= 6379 && port <= 6389,
+    processName: /^(redis|valkey|keydb)-server/,
+    insidePort: 6379,
+  },
 };
 
 function loopback(addresses) {
-  if (addresses.some((address) => address === '0.0.0.0' || address === '127.0.0.1' || address === '::')) return '127.0.0.1';
+  if (addresses.some((address) => address === '0.0.0.0' || address === '127.0.0.1' || address === '::'))
+    return '127.0.0.1';
   return addresses.includes('::1') ? '::1' : addresses[0];
 }
 
@@ -96,8 +105,12 @@ export class Services extends EventEmitter {
   /** The ports where a service of `kind` may listen: its usual ones, its program's, and those of its containers. */
   #candidates(kind, docker) {
     const { usualPort, processName, insidePort } = KINDS[kind];
-    const published = new Set((docker.containers ?? []).flatMap(({ ports }) => ports)
-      .filter(({ inside }) => inside === insidePort).map(({ port }) => port));
+    const published = new Set(
+      (docker.containers ?? [])
+        .flatMap(({ ports }) => ports)
+        .filter(({ inside }) => inside === insidePort)
+        .map(({ port }) => port),
+    );
     const candidates = new Map();
     for (const entry of this.#ports.ports) {
       const likely = usualPort(entry.port) || published.has(entry.port) || processName.test(entry.process?.name ?? '');
@@ -108,29 +121,39 @@ export class Services extends EventEmitter {
 
   #candidatePorts() {
     const kinds = Object.keys(KINDS).map((kind) => this.#candidates(kind, this.value.docker));
-    return kinds.flat().map(({ port, process }) => `${port} ${process?.pid}`).join();
+    return kinds
+      .flat()
+      .map(({ port, process }) => `${port} ${process?.pid}`)
+      .join();
   }
 
   async #lookForPostgres(docker) {
-    const candidates = this.#candidates('postgres', docker)
-      .map((entry) => ({ port: entry.port, process: entry.process, target: { port: entry.port, host: loopback(entry.addresses) } }));
+    const candidates = this.#candidates('postgres', docker).map((entry) => ({
+      port: entry.port,
+      process: entry.process,
+      target: { port: entry.port, host: loopback(entry.addresses) },
+    }));
     const listening = new Set(candidates.map(({ port }) => port));
     for (const [port, path] of await postgresSockets(this.#postgresFolders)) {
       if (!listening.has(port)) candidates.push({ port, process: null, target: { path } });
     }
-    const servers = await Promise.all(candidates.map(async ({ port, process, target }) => {
-      const answer = await probePostgres(target);
-      if (!answer) return null;
-      return { port, socket: target.path ?? null, tls: answer.tls, version: await postgresVersion(process) };
-    }));
+    const servers = await Promise.all(
+      candidates.map(async ({ port, process, target }) => {
+        const answer = await probePostgres(target);
+        if (!answer) return null;
+        return { port, socket: target.path ?? null, tls: answer.tls, version: await postgresVersion(process) };
+      }),
+    );
     return servers.filter(Boolean).sort((one, other) => one.port - other.port);
   }
 
   async #lookForRedis(docker) {
-    const servers = await Promise.all(this.#candidates('redis', docker).map(async ({ port, addresses }) => {
-      const answer = await probeRedis({ port, host: loopback(addresses) });
-      return answer && { port, ...answer };
-    }));
+    const servers = await Promise.all(
+      this.#candidates('redis', docker).map(async ({ port, addresses }) => {
+        const answer = await probeRedis({ port, host: loopback(addresses) });
+        return answer && { port, ...answer };
+      }),
+    );
     return servers.filter(Boolean).sort((one, other) => one.port - other.port);
   }
 

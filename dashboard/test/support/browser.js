@@ -5,8 +5,12 @@ import { join } from 'node:path';
 import { TOKEN } from './machine.js';
 
 const PLACES = [
-  process.env.CHROMIUM, '/usr/bin/chromium', '/usr/bin/chromium-browser', '/usr/bin/google-chrome',
-  '/Applications/Chromium.app/Contents/MacOS/Chromium', '/Applications/Google Chrome.app/Contents/MacOS/Google Chrome',
+  process.env.CHROMIUM,
+  '/usr/bin/chromium',
+  '/usr/bin/chromium-browser',
+  '/usr/bin/google-chrome',
+  '/Applications/Chromium.app/Contents/MacOS/Chromium',
+  '/Applications/Google Chrome.app/Contents/MacOS/Google Chrome',
 ];
 
 /** The browser's program, or why the page cannot be tested here. */
@@ -27,8 +31,15 @@ export async function openBrowser(t, { executable, chromium }, options = {}) {
     executablePath: executable,
     headless: true,
     viewport: { width: 1320, height: 860 },
-    args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
-      '--disable-component-update', '--disable-sync'],
+    args: [
+      '--no-sandbox',
+      '--disable-gpu',
+      '--disable-quic',
+      '--no-first-run',
+      '--disable-background-networking',
+      '--disable-component-update',
+      '--disable-sync',
+    ],
     ...options,
   });
   t.after(async () => {

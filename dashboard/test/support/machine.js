@@ -32,12 +32,23 @@ export async function makeHome(t) {
  */
 export async function startDashboard(t, home, environment = {}) {
   const child = spawn(process.execPath, [script], {
-    env: { ...process.env, HOME: home, HARBROOK_PORT: '0', HARBROOK_TOKEN: TOKEN, DOCKER_HOST: `unix://${home}/none.sock`, ...environment },
+    env: {
+      ...process.env,
+      HOME: home,
+      HARBROOK_PORT: '0',
+      HARBROOK_TOKEN: TOKEN,
+      DOCKER_HOST: `unix://${home}/none.sock`,
+      ...environment,
+    },
     stdio: ['pipe', 'pipe', 'pipe'],
   });
   let output = '';
-  child.stdout.on('data', (chunk) => { output += chunk; });
-  child.stderr.on('data', (chunk) => { output += chunk; });
+  child.stdout.on('data', (chunk) => {
+    output += chunk;
+  });
+  child.stderr.on('data', (chunk) => {
+    output += chunk;
+  });
   child.stdin.on('error', () => {});
   const ended = once(child, 'exit');
   t.after(async () => {
@@ -55,13 +66,19 @@ export async function startDashboard(t, home, environment = {}) {
   const address = `http://localhost:${port}`;
   const headers = { 'X-Harbrook-Token': TOKEN };
   return {
-    address, child, ended, port,
+    address,
+    child,
+    ended,
+    port,
     output: () => output,
     get: (path) => fetch(`${address}/${path}`, { headers }),
     json: async (path) => (await fetch(`${address}/${path}`, { headers })).json(),
-    post: (path, body) => fetch(`${address}/${path}`, {
-      method: 'POST', headers: { ...headers, 'Content-Type': 'application/json', 'X-Harbrook': '1' }, body: JSON.stringify(body),
-    }),
+    post: (path, body) =>
+      fetch(`${address}/${path}`, {
+        method: 'POST',
+        headers: { ...headers, 'Content-Type': 'application/json', 'X-Harbrook': '1' },
+        body: JSON.stringify(body),
+      }),
     until: (condition) => stateOf({ address, headers }, condition),
   };
 }

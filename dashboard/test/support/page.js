@@ -5,9 +5,11 @@ import { asInShell, findBrowser, openBrowser } from './browser.js';
 import { makeHome, startDashboard, writeTree } from './machine.js';
 import { eventually } from './waiting.js';
 
-const SERVER = "node -e \"const s=require('http').createServer((q,r)=>r.end('hi')).listen(0,'127.0.0.1',"
-  + "()=>console.log('Listening on '+s.address().port))\"";
-const READY = "(() => { const p = document.querySelector('#page'); return !!p && !p.querySelector('.spin') && p.innerText.length > 50; })()";
+const SERVER =
+  "node -e \"const s=require('http').createServer((q,r)=>r.end('hi')).listen(0,'127.0.0.1'," +
+  "()=>console.log('Listening on '+s.address().port))\"";
+const READY =
+  "(() => { const p = document.querySelector('#page'); return !!p && !p.querySelector('.spin') && p.innerText.length > 50; })()";
 
 /** The manifest of a project that really serves something. */
 export const servingPackage = (version) => ({ name: 'shop', version, scripts: { dev: SERVER } });
@@ -18,7 +20,10 @@ export const ready = (page) => eventually(() => page.evaluate(READY), { what: 't
 /** What the page has told the shell. */
 export const messages = (page) => page.evaluate(() => window.__messages);
 
-export const go = (page, hash) => page.evaluate((value) => { location.hash = value; }, hash);
+export const go = (page, hash) =>
+  page.evaluate((value) => {
+    location.hash = value;
+  }, hash);
 
 /**
  * Describes tests of the page in one browser, over a dashboard with a few sample projects. `tests` gets an object whose
@@ -55,7 +60,8 @@ export async function describePage(title, tests) {
       const problems = [];
       page.on('pageerror', (error) => problems.push(error.message));
       page.on('console', (message) => {
-        if (message.type() === 'error' && !message.text().includes('Failed to load resource')) problems.push(message.text());
+        if (message.type() === 'error' && !message.text().includes('Failed to load resource'))
+          problems.push(message.text());
       });
       if (inShell) await asInShell(page);
       await page.goto(`${address}/${hash}`);

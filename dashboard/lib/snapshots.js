@@ -26,8 +26,10 @@ function join(dashboard) {
     const appRunning = dashboard.runner.isRunning(project.path);
     return { project, ports: own, appRunning, running: appRunning || own.length > 0 || composed.has(project.path) };
   });
-  joined.sort((one, other) => collator.compare(one.project.name, other.project.name)
-    || collator.compare(one.project.path, other.project.path));
+  joined.sort(
+    (one, other) =>
+      collator.compare(one.project.name, other.project.name) || collator.compare(one.project.path, other.project.path),
+  );
   return { joined, ports, containers };
 }
 

@@ -1,6 +1,6 @@
 import { spawn } from 'node:child_process';
-import { isAlive } from '../is-alive.js';
-import { groupLives } from '../ports/linux.js';
+import { isAlive } from './is-alive.js';
+import { groupLives } from './proc.js';
 
 const LOOK_INTERVAL = 50;
 
@@ -43,7 +43,9 @@ function startLeader(command, folder) {
 
 function startGuard(group) {
   const guard = spawn('/bin/sh', ['-c', GUARD, 'sh', String(group)], {
-    cwd: '/', detached: true, stdio: ['pipe', 'ignore', 'ignore'],
+    cwd: '/',
+    detached: true,
+    stdio: ['pipe', 'ignore', 'ignore'],
   });
   guard.on('error', () => {});
   guard.stdin?.on('error', () => {});
