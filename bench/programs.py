@@ -3,18 +3,15 @@
 import os
 import shutil
 import subprocess
-import sys
 import tempfile
 import time
 from pathlib import Path
 
+from harness.desktop import Desktop
+from harness.processes import descendants, end, is_alive
+from harness.waiting import wait_until
+
 REPOSITORY = Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(REPOSITORY / "tests" / "linux"))
-
-from harness.desktop import Desktop  # noqa: E402
-from harness.processes import descendants, end, is_alive  # noqa: E402
-from harness.waiting import wait_until  # noqa: E402
-
 STAGE = REPOSITORY / "build" / "stage"
 BARE_VIEWER = REPOSITORY / "build" / "release" / "bench" / "bare_viewer"
 SERVER = REPOSITORY / "bench" / "page_server.js"

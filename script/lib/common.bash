@@ -27,6 +27,9 @@ fi
 # One clone profits from what another has compiled.
 export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=true
 
+# Becomes Debian's Python, which the desktop's bindings are made for, with the harness that drives the program.
+become_python() { exec env PYTHONPATH="$root/tests:$root/script/lib" /usr/bin/python3 "$@"; }
+
 # Configures only what was never configured: the build itself notices changed CMake files.
 build() {
     local preset=$1

@@ -81,8 +81,8 @@ private:
     std::unique_ptr<Desktop> desktop_;
 };
 
-/// The implementations that this system can run.
-[[nodiscard]] std::vector<Factory> factories();
+/// The implementation that this program tries: each has a folder, which defines it, and a program of its own.
+[[nodiscard]] Factory implementation();
 
 inline std::string nameOf(const testing::TestParamInfo<Factory>& info) {
     return info.param.name;

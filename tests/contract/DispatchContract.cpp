@@ -1,5 +1,5 @@
 #include "tests/contract/Desktop.h"
-#include "tests/contract/Shared.h"
+#include "tests/support/Shared.h"
 
 #include <gmock/gmock.h>
 
@@ -110,7 +110,7 @@ TEST_P(Dispatch, blocks_that_wait_do_not_hold_up_the_one_they_wait_for) {
 
 TEST_P(Dispatch, a_semaphore_counts) {
     const auto semaphore = platform().makeSemaphore(2);
-    Shared<std::vector<bool>> results;
+    tests::Shared<std::vector<bool>> results;
     std::atomic<bool> done = false;
     platform().globalQueue().async([&] {
         for (int i = 0; i < 3; ++i) {
@@ -192,8 +192,8 @@ TEST_P(Timers, a_timer_may_be_let_go_by_its_own_block) {
     EXPECT_EQ(calls, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Dispatch, testing::ValuesIn(factories()), nameOf);
-INSTANTIATE_TEST_SUITE_P(On, Timers, testing::ValuesIn(factories()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Dispatch, testing::Values(implementation()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Timers, testing::Values(implementation()), nameOf);
 
 } // namespace
 

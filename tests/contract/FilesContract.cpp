@@ -108,7 +108,7 @@ TEST_P(Files, a_resource_that_is_missing_has_no_address) {
     EXPECT_FALSE(platform().mainBundle().URLForResource("no such thing", "").has_value());
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Files, testing::ValuesIn(factories()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Files, testing::Values(implementation()), nameOf);
 
 } // namespace
 

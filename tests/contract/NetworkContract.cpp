@@ -1,5 +1,5 @@
 #include "tests/contract/Desktop.h"
-#include "tests/contract/Shared.h"
+#include "tests/support/Shared.h"
 
 #include <atomic>
 
@@ -18,7 +18,7 @@ protected:
     };
 
     [[nodiscard]] Outcome exchange(URLRequest request) {
-        Shared<Outcome> outcome;
+        tests::Shared<Outcome> outcome;
         // The task is not kept: the exchange goes on without it.
         platform()
             .sharedSession()
@@ -102,7 +102,7 @@ TEST_P(Network, nothing_is_sent_before_resume) {
 }
 
 TEST_P(Network, the_quicker_answer_comes_first_whatever_was_sent_first) {
-    Shared<std::string> order;
+    tests::Shared<std::string> order;
     const auto send = [&](const Answer& answer) {
         platform()
             .sharedSession()
@@ -118,7 +118,7 @@ TEST_P(Network, the_quicker_answer_comes_first_whatever_was_sent_first) {
     EXPECT_TRUE(runUntil([&] { return order.get() == "quick slow "; }));
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Network, testing::ValuesIn(factories()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Network, testing::Values(implementation()), nameOf);
 
 } // namespace
 

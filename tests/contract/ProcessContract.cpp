@@ -1,5 +1,5 @@
 #include "tests/contract/Desktop.h"
-#include "tests/contract/Shared.h"
+#include "tests/support/Shared.h"
 
 #include <atomic>
 
@@ -52,7 +52,7 @@ TEST_P(Process, a_readability_handler_gets_everything_and_then_an_empty_read) {
     const auto task = taskFor({.output = "some words\n"});
     const auto output = platform().makePipe();
     task->setStandardOutput(output);
-    Shared<std::string> text;
+    tests::Shared<std::string> text;
     std::atomic<int> emptyReads = 0;
     std::atomic<int> callsAtOnce = 0;
     output->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
@@ -72,7 +72,7 @@ TEST_P(Process, a_readability_handler_gets_everything_and_then_an_empty_read) {
 TEST_P(Process, a_handle_and_its_handler_live_until_end_of_file) {
     auto token = std::make_shared<int>();
     const std::weak_ptr<int> watch = token;
-    Shared<std::string> text;
+    tests::Shared<std::string> text;
     const auto task = taskFor({.output = "kept"});
     {
         const auto output = platform().makePipe();
@@ -150,7 +150,7 @@ TEST_P(Process, the_shell_knows_itself) {
     EXPECT_TRUE(platform().processInfo().loginShell().is_absolute());
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Process, testing::ValuesIn(factories()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Process, testing::Values(implementation()), nameOf);
 
 } // namespace
 

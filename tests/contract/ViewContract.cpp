@@ -135,7 +135,7 @@ TEST_P(Views, a_window_tells_its_style) {
     EXPECT_EQ(window_->styleMask() & NSWindowStyleMaskFullScreen, 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(On, Views, testing::ValuesIn(factories()), nameOf);
+INSTANTIATE_TEST_SUITE_P(On, Views, testing::Values(implementation()), nameOf);
 
 } // namespace
 

@@ -8,12 +8,11 @@ import tempfile
 from concurrent.futures import ProcessPoolExecutor, as_completed
 from pathlib import Path
 
-HERE = Path(__file__).resolve().parent
-sys.path.insert(0, str(HERE.parent / "linux"))
+import report
+import table
+from matrix import FAULTS, try_fault
 
-import report  # noqa: E402
-import table  # noqa: E402
-from matrix import FAULTS, try_fault  # noqa: E402
+HERE = Path(__file__).resolve().parent
 
 for module in sorted(HERE.glob("*_faults.py")):
     __import__(module.stem)

@@ -6,24 +6,22 @@ A matrix that cannot fail would be worth nothing.
 import os
 import signal
 import subprocess
-import sys
 import tempfile
 from pathlib import Path
 
 import pytest
 
-HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parent / "linux")]
+import checks
+import report
+import table
+from fake_program import read_mapped
+from harness.desktop import Desktop
+from harness.waiting import wait_until
+from leftovers import files, new_files, temporary_folder
+from matrix import Counts, Fault, NotTried, Trial, try_fault
+from watch import Holdings
 
-import checks  # noqa: E402
-import report  # noqa: E402
-import table  # noqa: E402
-from fake_program import read_mapped  # noqa: E402
-from harness.desktop import Desktop  # noqa: E402
-from harness.waiting import wait_until  # noqa: E402
-from leftovers import files, new_files, temporary_folder  # noqa: E402
-from matrix import Counts, Fault, NotTried, Trial, try_fault  # noqa: E402
-from watch import Holdings  # noqa: E402
+HERE = Path(__file__).resolve().parent
 
 SLOW, QUICK = "0.25", "0"
 

@@ -14,6 +14,9 @@ from harness.screenshots import ScreenshotMode
 from harness.shell import REPOSITORY
 from harness.tray import Watcher
 
+# A bare system is made, and then updated over the network.
+pytestmark = pytest.mark.timeout(900)
+
 PICTURE = REPOSITORY / "build" / "package" / "installed.png"
 
 

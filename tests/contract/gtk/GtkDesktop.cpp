@@ -1,26 +1,19 @@
-#include "tests/contract/gtk/GtkDesktop.h"
+#include "tests/contract/Desktop.h"
+#include "tests/gtk/support/RealPlatform.h"
+#include "tests/gtk/support/ScriptedServer.h"
+#include "tests/support/TemporaryFiles.h"
 
-#include "tests/contract/gtk/PrivateDisplay.h"
-#include "tests/contract/gtk/ScriptedServer.h"
-
-#include <gio/gio.h>
-
-#include <array>
-#include <atomic>
-#include <cstdlib>
 #include <fstream>
 #include <map>
-#include <sstream>
-#include <stdexcept>
+#include <mutex>
 
 namespace harbrook::contract {
 
 namespace {
 
-double monotonicSeconds() {
-    return static_cast<double>(g_get_monotonic_time()) / G_USEC_PER_SEC;
-}
+using namespace tests;
 
+/// The real desktop, in real time. Whatever needs a display gets a private one.
 class GtkDesktop final : public Desktop {
 public:
     Platform& platform() override { return gtkPlatform(); }
@@ -30,14 +23,7 @@ public:
     }
     double now() override { return monotonicSeconds(); }
 
-    std::optional<std::string> provideDisplay() override {
-        if (underThreadSanitizer) return threadsOfTheToolkit;
-        static const PrivateDisplay display;
-        // Windows belong to an application that has started up.
-        static_cast<void>(platform().sharedApplication());
-        g_application_register(g_application_get_default(), nullptr, nullptr);
-        return std::nullopt;
-    }
+    std::optional<std::string> provideDisplay() override { return tests::provideDisplay(); }
 
     std::filesystem::path directory() override { return directory_.path(); }
     std::optional<std::string> contents(const std::filesystem::path& path) override { return readFile(path); }
@@ -77,52 +63,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Desktop> makeGtkDesktop() {
-    return std::make_unique<GtkDesktop>();
-}
-
-Platform& gtkPlatform() {
-    static std::string name = "harbrook";
-    static std::array<char*, 2> arguments{name.data(), nullptr};
-    static const auto platform = makePlatform(1, arguments.data());
-    return *platform;
-}
-
-bool runMainLoopUntil(const std::function<bool()>& condition, double seconds) {
-    const double deadline = monotonicSeconds() + seconds;
-    // Conditions that workers bring about wake no loop; looking again now and then is soon enough.
-    constexpr unsigned interval = 5;
-    const unsigned tick = g_timeout_add(
-        interval, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-    bool holds = false;
-    while (!(holds = condition()) && monotonicSeconds() < deadline)
-        g_main_context_iteration(nullptr, TRUE);
-    g_source_remove(tick);
-    return holds;
-}
-
-TemporaryDirectory::TemporaryDirectory() {
-    std::string name = (std::filesystem::temp_directory_path() / "harbrook-test-XXXXXX").string();
-    if (!mkdtemp(name.data())) throw std::runtime_error("no temporary directory");
-    path_ = name;
-}
-
-TemporaryDirectory::~TemporaryDirectory() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::optional<std::string> readFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return std::nullopt;
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-void writeScript(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream(path) << "#!/bin/sh\n" << text;
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+Factory implementation() {
+    return {"gtk", std::make_unique<GtkDesktop>};
 }
 
 } // namespace harbrook::contract
