@@ -1,13 +1,16 @@
 // The bundled dashboard. It finds the projects, ports and services of this machine and serves them, with the page that
 // shows them, on the loopback interface. README.md describes its environment and how to run it without the shell.
 import { homedir } from 'node:os';
-import { join } from 'node:path';
+import { dirname, join } from 'node:path';
+import { fileURLToPath } from 'node:url';
 import { listenOnLocalhost } from './lib/http/listen.js';
 import { portFromEnvironment, watchLifetime } from './lib/lifetime.js';
 
 const environment = process.env;
 const startedByShell = Boolean(environment.HARBROOK_TOKEN);
 const home = environment.HOME || homedir();
+// Where this file is, and so package.json and the page; nothing else may ask, as the others are bundled into this one.
+const directory = dirname(fileURLToPath(import.meta.url));
 
 // A reader that went away must not end the dashboard by an unhandled stream error.
 process.stdout.on('error', () => {});
@@ -52,7 +55,7 @@ const [{ createHandler }, { Dashboard }] = await Promise.all([
 const token = environment.HARBROOK_TOKEN || (await import('node:crypto')).randomBytes(32).toString('hex');
 if (!startedByShell) process.stdout.write(`Open http://localhost:${listener.port}/#token=${token}\n`);
 if (!ending) {
-  dashboard = new Dashboard({ dataDirectory: join(home, '.harbrook'), home });
-  begin(createHandler({ dashboard, token }));
+  dashboard = new Dashboard({ directory, dataDirectory: join(home, '.harbrook'), home });
+  begin(createHandler({ dashboard, token, pageDirectory: join(directory, 'page') }));
   dashboard.start();
 }

@@ -1,10 +1,9 @@
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 
-const { version } = JSON.parse(readFileSync(new URL('../package.json', import.meta.url), 'utf8'));
-
 /** What the about view says of this program and where it keeps its files. */
-export function about({ dataDirectory }) {
+export function about({ directory, dataDirectory }) {
+  const { version } = JSON.parse(readFileSync(join(directory, 'package.json'), 'utf8'));
   return {
     version,
     node: process.versions.node,

@@ -19,9 +19,10 @@ export class Dashboard extends EventEmitter {
   #announce = null;
   revision = 1;
 
-  constructor({ dataDirectory, home }) {
+  constructor({ directory, dataDirectory, home }) {
     super();
     this.setMaxListeners(0);
+    this.directory = directory;
     this.home = home;
     this.dataDirectory = dataDirectory;
     this.settings = new Settings({ dataDirectory, home });

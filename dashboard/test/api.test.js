@@ -86,7 +86,7 @@ describe('the API', () => {
       'localhost:1',
       `localhost.:${dashboard.port}`,
     ]) {
-      for (const path of ['/api/state', '/', '/js/main.js']) {
+      for (const path of ['/api/state', '/', '/js/page.js']) {
         assert.equal((await raw(dashboard.port, { path, headers: { ...token, Host: host } })).status, 403, host);
       }
       assert.equal((await start({ ...honest, Host: host })).status, 403);
@@ -197,7 +197,7 @@ describe('the API', () => {
       '/js',
       '/js/',
       '/index.html/',
-      '/js/main.js%00',
+      '/js/page.js%00',
       '/.',
       '/js\\main.js/..',
     ]) {

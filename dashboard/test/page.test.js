@@ -33,19 +33,6 @@ await describePage('the page', (sample) => {
     assert.equal(await page.locator('main').evaluate((main) => document.activeElement === main), true);
   });
 
-  test('every module is announced in the page, so that none is waited for twice', async (test) => {
-    const page = await sample.open(test);
-    await ready(page);
-    const [loaded, announced] = await page.evaluate(() => [
-      performance
-        .getEntriesByType('resource')
-        .map(({ name }) => new URL(name).pathname)
-        .filter((name) => name.endsWith('.js')),
-      [...document.querySelectorAll('link[rel=modulepreload]')].map((link) => new URL(link.href).pathname),
-    ]);
-    assert.deepEqual([...new Set(loaded)].sort(), announced.sort());
-  });
-
   test('an unknown view and an unknown project say so', async (test) => {
     const page = await sample.open(test, '#/nothing');
     await page.getByText('There is no such view').waitFor();

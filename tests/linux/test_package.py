@@ -26,6 +26,18 @@ SYSTEM_FILES = {
     f"usr/share/icons/hicolor/symbolic/apps/{ID}-symbolic.svg",
 } | {f"usr/share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in ICON_SIZES}
 
+# The bundles with their source maps, and what comes with them.
+DASHBOARD_FILES = {
+    "server.js",
+    "server.js.map",
+    "package.json",
+    "third-party.txt",
+    "page/index.html",
+    "page/page.js.map",
+    "page/page.css.map",
+    "page/icon.svg",
+}
+
 # The libraries that the program itself calls, and what it starts by name.
 DEPENDENCIES = {
     "nodejs",
@@ -73,14 +85,10 @@ def desktop_entry(tree):
     return entry
 
 
-def tracked(folder, *parts):
-    return run("git", "-C", REPOSITORY / folder, "ls-files", "--", *parts).splitlines()
-
-
 def test_it_holds_the_program_and_nothing_else(tree):
-    parts = tracked("dashboard", "server.js", "package.json", "lib", "page")
-    dashboard = {f"usr/share/harbrook/app/{name}" for name in parts}
-    pictures = {f"usr/share/harbrook/{name}" for name in tracked("resources", "*.png")}
+    dashboard = {f"usr/share/harbrook/app/{name}" for name in DASHBOARD_FILES}
+    tracked = run("git", "-C", REPOSITORY / "resources", "ls-files", "--", "*.png").splitlines()
+    pictures = {f"usr/share/harbrook/{name}" for name in tracked}
     found = {str(path.relative_to(tree)) for path in tree.rglob("*") if not path.is_dir()}
     assert found == SYSTEM_FILES | dashboard | pictures
 

@@ -26,14 +26,25 @@ export function mayChange(request) {
   return request.headers['x-harbrook'] === '1';
 }
 
-export const SECURITY_HEADERS = {
+/** The headers of every answer. `scripts` and `styles` are further sources of these. */
+export const securityHeaders = ({ scripts, styles }) => ({
   'Content-Security-Policy':
-    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; " +
-    "base-uri 'none'; form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'",
+    `default-src 'none'; script-src ${["'self'", ...scripts].join(' ')}; style-src ${["'self'", ...styles].join(' ')}; ` +
+    "img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'; " +
+    "require-trusted-types-for 'script'",
   'Cross-Origin-Opener-Policy': 'same-origin',
   'Cross-Origin-Resource-Policy': 'same-origin',
   'Permissions-Policy': 'camera=(), geolocation=(), microphone=()',
   'Referrer-Policy': 'no-referrer',
   'X-Content-Type-Options': 'nosniff',
   'X-Frame-Options': 'DENY',
-};
+});
+
+/** The sources of what stands in `html` itself: the digests by which a browser knows that it is the page's own. */
+export function inlinedIn(html) {
+  const digests = (tag) =>
+    [...html.matchAll(new RegExp(`<${tag}(?: type="importmap")?>(.*?)</${tag}>`, 'gs'))].map(
+      ([, content]) => `'sha256-${createHash('sha256').update(content).digest('base64')}'`,
+    );
+  return { scripts: digests('script'), styles: digests('style') };
+}

@@ -1,11 +1,10 @@
-import { fileURLToPath } from 'node:url';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
 import { apiRoutes } from './api.js';
-import { hostIsLocal, mayChange, originIsOwn, SECURITY_HEADERS, tokenCheck } from './guard.js';
+import { hostIsLocal, inlinedIn, mayChange, originIsOwn, securityHeaders, tokenCheck } from './guard.js';
 import { Refusal } from '../refusal.js';
 import { HttpError, readJson, sendJson } from './respond.js';
 import { staticFiles } from './static-files.js';
-
-const pageDirectory = fileURLToPath(new URL('../../page', import.meta.url));
 
 const STATUS = { invalid: 400, unknown: 404, conflict: 409, failed: 500, ending: 503 };
 
@@ -25,10 +24,11 @@ function parseAddress(text) {
 }
 
 /** Makes the request handler: the page's files for anybody on this machine, the API for who knows the token. */
-export function createHandler({ dashboard, token }) {
+export function createHandler({ dashboard, token, pageDirectory }) {
   const tokenIsRight = tokenCheck(token);
   const serveFile = staticFiles(pageDirectory);
   const routes = apiRoutes(dashboard);
+  const headers = Object.entries(securityHeaders(inlinedIn(readFileSync(join(pageDirectory, 'index.html'), 'utf8'))));
 
   async function answerApi(url, request, response) {
     if (!tokenIsRight(request.headers['x-harbrook-token'])) throw new HttpError(401, 'The token is missing or wrong.');
@@ -46,7 +46,7 @@ export function createHandler({ dashboard, token }) {
   }
 
   async function answer(request, response) {
-    for (const [name, value] of Object.entries(SECURITY_HEADERS)) response.setHeader(name, value);
+    for (const [name, value] of headers) response.setHeader(name, value);
     if (!hostIsLocal(request)) throw new HttpError(403, 'Only localhost is served.');
     const url = parseAddress(request.url);
     if (url.pathname.startsWith('/api/')) return answerApi(url, request, response);

@@ -8,7 +8,7 @@ import { fileURLToPath } from 'node:url';
 import { stateOf } from './waiting.js';
 
 export const TOKEN = 'a1'.repeat(32);
-const script = fileURLToPath(new URL('../../server.js', import.meta.url));
+const source = fileURLToPath(new URL('../../server.js', import.meta.url));
 
 /** Writes `files`, a map from relative path to text (or an object, as JSON), below `folder`. */
 export async function writeTree(folder, files) {
@@ -30,7 +30,7 @@ export async function makeHome(t) {
  * Runs the dashboard with `home` and its standard input held open. Fulfilled once it has announced its port, with
  * `port`, `child`, `output()` and the requests `get` and `post`, which carry what an honest client carries.
  */
-export async function startDashboard(t, home, environment = {}) {
+export async function startDashboard(t, home, environment = {}, script = source) {
   const child = spawn(process.execPath, [script], {
     env: {
       ...process.env,

@@ -25,10 +25,27 @@ export const go = (page, hash) =>
     location.hash = value;
   }, hash);
 
+/** A page at `address`; what goes wrong in it counts as a failure of the test. */
+export async function openPage(test, context, address, { inShell = true } = {}) {
+  const page = await context.newPage();
+  const problems = [];
+  page.on('pageerror', (error) => problems.push(error.message));
+  page.on('console', (message) => {
+    if (message.type() === 'error' && !message.text().includes('Failed to load resource')) problems.push(message.text());
+  });
+  if (inShell) await asInShell(page);
+  await page.goto(address);
+  test.after(async () => {
+    await page.close();
+    assert.deepEqual(problems, []);
+  });
+  return page;
+}
+
 /**
  * Describes tests of the page in one browser, over a dashboard with a few sample projects. `tests` gets an object whose
  * `dashboard`, `home`, `shop` (a project's path) and `context` are there once the tests run, and `open`, which opens a
- * page at a view; what goes wrong in that page counts as a failure of the test.
+ * page at a view.
  */
 export async function describePage(title, tests) {
   const browser = await findBrowser();
@@ -55,21 +72,8 @@ export async function describePage(title, tests) {
       for (const task of afterwards) await task();
     });
 
-    async function open(test, hash = '#/', { inShell = true, address = sample.dashboard.address } = {}) {
-      const page = await sample.context.newPage();
-      const problems = [];
-      page.on('pageerror', (error) => problems.push(error.message));
-      page.on('console', (message) => {
-        if (message.type() === 'error' && !message.text().includes('Failed to load resource'))
-          problems.push(message.text());
-      });
-      if (inShell) await asInShell(page);
-      await page.goto(`${address}/${hash}`);
-      test.after(async () => {
-        await page.close();
-        assert.deepEqual(problems, []);
-      });
-      return page;
+    function open(test, hash = '#/', { inShell, address = sample.dashboard.address } = {}) {
+      return openPage(test, sample.context, `${address}/${hash}`, { inShell });
     }
 
     tests(sample);

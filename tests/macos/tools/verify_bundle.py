@@ -19,7 +19,7 @@ PROPERTIES = {
     "NSPrincipalClass": "NSApplication",
 }
 RESOURCES = (
-    "app/server.js", "app/package.json", "app/page", "app/lib",
+    "app/server.js", "app/package.json", "app/page/index.html", "app/third-party.txt",
     "menubarTemplate@2x.png", "menubarIdleTemplate@2x.png",
 )
 
