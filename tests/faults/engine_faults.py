@@ -152,8 +152,7 @@ def page_hangs(trial):
 
 def press_close(shell):
     """A click on the shell's own button over the page."""
-    area = shell.window().area
-    shell.desktop.screen.click(area.x + 27, area.y + 34)
+    shell.desktop.screen.click(*shell.in_window(27, 34))
 
 
 # The delay between two attempts is a second and a half; ten times as fast, it is a tenth of that.

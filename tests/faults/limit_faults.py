@@ -1,11 +1,10 @@
 """What the system may refuse the program while it runs: descriptors, processes and threads."""
 
-import json
 from contextlib import closing
 
-from harness.input_page import input_page
-from harness.server import Plan, say
-from harness.tray import project, state
+from harness.input_page import input_plan
+from harness.server import say
+from harness.tray import answered, project
 from harness.waiting import wait_until
 
 from checks import StatusMenu
@@ -19,12 +18,8 @@ SHOP = project("shop", [3000])
 POLLS = 2
 
 
-def snapshot(*projects):
-    return {"body": json.dumps(state(*projects))}
-
-
 def plan():
-    return Plan(answers={"/": {"body": input_page()}, "/api/state": snapshot(NOTES)})
+    return input_plan(**{"/api/state": answered(NOTES)})
 
 
 def labels(rows):
@@ -66,9 +61,9 @@ def works_again(trial, panel, server):
     seen = len(server.events)
     panel.menu.click("Start a project", "notes")
     server.wait_for_request("/api/project/start", after=seen)
-    server.answer("/api/state", **snapshot(NOTES, SHOP))
+    server.answer("/api/state", **answered(NOTES, SHOP))
     panel.menu.wait_for_outline(lambda rows: any(label.startswith("shop") for label in labels(rows)))
-    server.answer("/api/state", **snapshot(NOTES))
+    server.answer("/api/state", **answered(NOTES))
     panel.menu.wait_for_outline(lambda rows: not any(label.startswith("shop") for label in labels(rows)))
     trial.expect(server.evaluate("6 * 7") == 42, "the page no longer works")
 

@@ -1,9 +1,7 @@
 """The program's polls of its server, and a panel that shows what they brought."""
 
-import json
-
 from harness.server import READY, Plan
-from harness.tray import Watcher, project, state
+from harness.tray import Watcher, answered, project
 
 STATE = "/api/state"
 # Seconds between two polls.
@@ -13,7 +11,7 @@ INTERVAL = 3.0
 def snapshot(number):
     """The snapshot with that number; each differs from the one before, in one row or in many."""
     names = [f"project-{one}" for one in range(number % 7)]
-    return {"body": json.dumps(state(*(project(name, [3000 + number % 50]) for name in names), postgres=number))}
+    return answered(*(project(name, [3000 + number % 50]) for name in names), postgres=number)
 
 
 def polled_plan(steps=READY):

@@ -1,6 +1,5 @@
 """What the dashboard's server may do wrong, from never starting to never ending."""
 
-import json
 import os
 import signal
 import socket
@@ -8,7 +7,7 @@ from contextlib import closing
 from pathlib import Path
 
 from harness.server import READY, Plan, announce, drain, ignore, leave, pause, say, serve
-from harness.tray import project, state
+from harness.tray import answered, project
 from harness.waiting import stays, wait_until
 
 from checks import StatusMenu, expect_log_is, expect_resting, wait_for_unread_requests
@@ -23,7 +22,7 @@ NOT_STARTABLE = "Could not start the server: "
 FIXED_PLACES = (Path("/opt/homebrew/bin/node"), Path("/usr/local/bin/node"))
 
 NOTES = project("notes", running=False, hasCommand=True)
-WITH_NOTES = Plan(answers={"/api/state": {"body": json.dumps(state(NOTES))}})
+WITH_NOTES = Plan(answers={"/api/state": answered(NOTES)})
 
 
 def start_without_server(trial, shell, panel, beginning):

@@ -1,6 +1,7 @@
 """A page with a header to drag by and fields to type into, which notes what happens to it."""
 
 from .page import page
+from .server import Plan
 
 HEADER_HEIGHT = 52
 
@@ -35,3 +36,8 @@ TEXT_FIELD = (400, 260)
 
 def input_page():
     return page(body=_BODY, head=_HEAD)
+
+
+def input_plan(**answers):
+    """A server with that page."""
+    return Plan(answers={"/": {"body": input_page()}, **answers})

@@ -10,7 +10,7 @@ import time
 from pathlib import Path
 
 from .page import page
-from .waiting import PATIENCE, NeverHappened
+from .waiting import PATIENCE, NeverHappened, wait_until
 
 PROGRAM = Path(__file__).with_name("scripted_server.py")
 
@@ -164,6 +164,11 @@ class Server:
             return event["path"].split("?")[0] == path and method in (None, event["method"])
 
         return self.wait_for("request", fits, within, after)
+
+    def wait_for_polls(self, count, within=PATIENCE):
+        """Waits until the program has asked for the state so many times more."""
+        before = len(self.requests("/api/state"))
+        wait_until(f"{count} polls", lambda: len(self.requests("/api/state")) >= before + count, within)
 
     # The page
 

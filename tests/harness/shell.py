@@ -168,6 +168,11 @@ class Shell:
     def window(self, within=PATIENCE):
         return wait_until("the window is shown", self.windows, within)[0]
 
+    def in_window(self, x, y):
+        """Where that place of the window is on the screen."""
+        area = self.window().area
+        return area.x + x, area.y + y
+
     def viewport(self):
         """Width and height of the page as the page sees them."""
         return tuple(self.server.evaluate("[innerWidth, innerHeight]"))

@@ -1,5 +1,6 @@
 """The test's end of a status item: a watcher that it registers with, and what a panel reads of it."""
 
+import json
 from dataclasses import dataclass, field
 
 from gi.repository import GLib
@@ -163,3 +164,8 @@ def state(*projects, postgres=0, redis=0, containers=0):
     """What the server answers under api/state."""
     stats = {"running": 0, "postgres": postgres, "redis": redis, "containers": containers}
     return {"projects": list(projects), "stats": stats}
+
+
+def answered(*projects, **counts):
+    """That state as an answer of the scripted server."""
+    return {"body": json.dumps(state(*projects, **counts))}

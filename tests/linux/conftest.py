@@ -3,6 +3,7 @@ from pathlib import Path
 
 import pytest
 
+from harness.browser import RecordingBrowser
 from harness.desktop import Desktop
 from harness.server import Plan
 from harness.shell import REPOSITORY, STAGE, Shell
@@ -101,6 +102,12 @@ def make_shell(make_desktop, shared_desktop, tmp_path):
 def shell(make_shell):
     """A shell whose server serves a page and announces itself at once; not started yet."""
     return make_shell()
+
+
+@pytest.fixture
+def browser(shell):
+    """The browser and mail program of the user of that shell."""
+    return RecordingBrowser(shell.home)
 
 
 @pytest.fixture

@@ -5,9 +5,8 @@ import random
 
 import pytest
 
-from harness.input_page import input_page
+from harness.input_page import input_plan
 from harness.portal import CANCELLED, CHOSEN, Portal
-from harness.server import Plan
 from harness.waiting import stays, wait_until
 
 HEADER = (700, 26)
@@ -15,18 +14,13 @@ HEADER = (700, 26)
 
 @pytest.fixture
 def shell(make_shell):
-    return make_shell(Plan(answers={"/": {"body": input_page()}}))
-
-
-def in_window(shell, x, y):
-    area = shell.window().area
-    return area.x + x, area.y + y
+    return make_shell(input_plan())
 
 
 def press_and_move(shell, start, by, steps=12):
     """Presses the left button and moves the pointer in steps, as a hand does. The button stays down."""
     screen = shell.desktop.screen
-    screen.tool("mousemove", *in_window(shell, *start))
+    screen.tool("mousemove", *shell.in_window(*start))
     before = len(shell.server.evaluate("happened"))
     screen.tool("mousedown", 1)
     wait_until("the page has the press", lambda: len(shell.server.evaluate("happened")) > before)
@@ -62,7 +56,7 @@ def test_after_a_drag_a_message_without_a_press_moves_nothing(running):
 
 def test_a_message_without_a_press_moves_nothing(running):
     before = running.window().area
-    running.desktop.screen.tool("mousemove", *in_window(running, *HEADER))
+    running.desktop.screen.tool("mousemove", *running.in_window(*HEADER))
     running.server.evaluate("post('drag'); true")
     for _ in range(10):
         running.desktop.screen.tool("mousemove_relative", "--", 6, 6)
@@ -72,7 +66,7 @@ def test_a_message_without_a_press_moves_nothing(running):
 def test_another_button_moves_nothing(running):
     before = running.window().area
     screen = running.desktop.screen
-    screen.tool("mousemove", *in_window(running, *HEADER), "mousedown", 2)
+    screen.tool("mousemove", *running.in_window(*HEADER), "mousedown", 2)
     running.server.evaluate("post('drag'); true")
     for _ in range(10):
         screen.tool("mousemove_relative", "--", 6, 6)
@@ -90,7 +84,7 @@ def test_a_second_drag_needs_and_gets_a_second_press(running):
 
 def test_a_click_on_the_header_stays_a_click(running):
     before = running.window().area
-    running.desktop.screen.click(*in_window(running, *HEADER))
+    running.desktop.screen.click(*running.in_window(*HEADER))
     wait_until("the page has it", lambda: running.server.evaluate("happened") == ["press", "click"])
     assert running.window().area == before
 
@@ -99,7 +93,7 @@ def test_a_double_click_on_the_header_zooms_there_and_back(running):
     before = running.window().area
 
     def double_click(x, y):
-        x, y = in_window(running, x, y)
+        x, y = running.in_window(x, y)
         running.desktop.screen.tool("mousemove", x, y, "click", "--repeat", 2, "--delay", 60, 1)
 
     double_click(*HEADER)
@@ -198,7 +192,7 @@ def test_a_folder_is_chosen_and_the_page_hears_of_it(running, message, title, ta
 def test_a_folder_with_every_kind_of_character(make_shell, tmp_path):
     folder = tmp_path / "a 'b' \"c\" \\d é 名 <script> $(e)"
     folder.mkdir()
-    shell = make_shell(Plan(answers={"/": {"body": input_page()}}), environment={"HOME": str(folder)})
+    shell = make_shell(input_plan(), environment={"HOME": str(folder)})
     shell.start()
     shell.server.wait_for_page()
     shell.server.evaluate("post({k: 'pickFolder'}); true")
@@ -243,7 +237,7 @@ def make_portal(desktop):
 
 @pytest.fixture
 def at_portal(make_shell, desktop):
-    shell = make_shell(Plan(answers={"/": {"body": input_page()}}), desktop=desktop)
+    shell = make_shell(input_plan(), desktop=desktop)
     shell.start()
     shell.server.wait_for_page()
     return shell
@@ -285,7 +279,7 @@ def test_a_portal_that_cannot_choose_folders_is_passed_over(at_portal, make_port
 
 def test_a_portal_that_does_not_answer_is_passed_over(make_shell, make_desktop):
     desktop = make_desktop(services={"org.freedesktop.portal.Desktop": "/bin/sleep 600"})
-    shell = make_shell(Plan(answers={"/": {"body": input_page()}}), desktop=desktop)
+    shell = make_shell(input_plan(), desktop=desktop)
     shell.start()
     shell.server.wait_for_page()
     shell.server.evaluate("post({k: 'pickFolder'}); true")

@@ -7,7 +7,6 @@ import subprocess
 import pytest
 from gi.repository import GLib
 
-from harness.browser import RecordingBrowser
 from harness.dashboard import PROJECTS, Dashboard, answer_at, furnish, processes_in
 from harness.portal import CHOSEN, Portal
 from harness.processes import end
@@ -183,8 +182,7 @@ def test_a_project_started_elsewhere_is_shown_running_but_not_to_be_stopped(desk
     page.wait_for("Start shop", BUTTON)
 
 
-def test_a_port_in_the_page_opens_in_the_default_browser(shell, dashboard, page):
-    browser = RecordingBrowser(shell.home)
+def test_a_port_in_the_page_opens_in_the_default_browser(browser, dashboard, page):
     page.click("Start shop", BUTTON)
     port = dashboard.wait_until_listening("shop")
     page.click(f"Open port {port} in the browser", LINK)

@@ -60,8 +60,7 @@ def test_the_status_is_polled_while_a_dialog_is_open(running):
     ask(running, "confirm('Stop it?')")
     running.wait_for_text("Stop it?")
     # Whatever was under way when the dialog came up, and two rounds more.
-    seen = len(running.server.requests("/api/state"))
-    wait_until("it is asked for", lambda: len(running.server.requests("/api/state")) >= seen + 3)
+    running.server.wait_for_polls(3)
     button(running, "Cancel").act()
     assert answer(running) == [False]
 

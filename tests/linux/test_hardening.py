@@ -7,7 +7,6 @@ import threading
 
 import pytest
 
-from harness.browser import RecordingBrowser
 from harness.page import page
 from harness.waiting import stays, wait_until
 
@@ -56,11 +55,6 @@ def test_full_screen_is_not_the_pages_to_enter(running):
 
 
 # Downloads
-
-
-@pytest.fixture
-def browser(shell):
-    return RecordingBrowser(shell.home)
 
 
 @pytest.fixture
@@ -244,9 +238,8 @@ SENSIBLE = {
 
 def menu_items(shell, x, y):
     """The items of the menu that a right click on the page brings up."""
-    area = shell.window().area
     tree = shell.desktop.accessibility()
-    shell.desktop.screen.click(area.x + x, area.y + y, button=3)
+    shell.desktop.screen.click(*shell.in_window(x, y), button=3)
 
     def items():
         roles = {"menu item", "check menu item"}

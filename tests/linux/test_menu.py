@@ -3,8 +3,7 @@
 import pytest
 from gi.repository import GLib
 
-from harness.input_page import TEXT_FIELD, input_page
-from harness.server import Plan
+from harness.input_page import TEXT_FIELD, input_plan
 from harness.waiting import wait_until
 
 BUS_NAME = "com.brackenforge.harbrook"
@@ -12,7 +11,7 @@ BUS_NAME = "com.brackenforge.harbrook"
 
 @pytest.fixture
 def shell(make_shell):
-    return make_shell(Plan(answers={"/": {"body": input_page()}}))
+    return make_shell(input_plan())
 
 
 def keyboard(shell):
@@ -21,14 +20,9 @@ def keyboard(shell):
     return shell.desktop.screen
 
 
-def in_window(shell, x, y):
-    area = shell.window().area
-    return area.x + x, area.y + y
-
-
 def focus_text(shell):
     screen = keyboard(shell)
-    screen.click(*in_window(shell, *TEXT_FIELD))
+    screen.click(*shell.in_window(*TEXT_FIELD))
     wait_until("the field is focused", lambda: shell.server.evaluate("document.activeElement.id") == "text")
     return screen
 
@@ -56,7 +50,7 @@ def bar_titles(shell):
 def open_menu(shell, position):
     """Opens a menu by keyboard, away from the pointer, which would choose too."""
     screen = keyboard(shell)
-    screen.tool("mousemove", *in_window(shell, 900, 700))
+    screen.tool("mousemove", *shell.in_window(900, 700))
     screen.press("F10")
     wait_until("the bar is shown", lambda: menu_bar(shell))
     screen.press(*["Right"] * position, "Down")
@@ -194,7 +188,7 @@ def test_escape_and_a_click_beside_it_hide_the_bar(running):
     wait_until("the bar is gone", lambda: menu_bar(running) is None)
     screen.press("F10")
     wait_until("the bar is shown again", lambda: menu_bar(running))
-    screen.click(*in_window(running, *TEXT_FIELD))
+    screen.click(*running.in_window(*TEXT_FIELD))
     wait_until("the bar is gone again", lambda: menu_bar(running) is None)
 
 

@@ -12,11 +12,6 @@ A_WHILE = 2.2
 
 
 @pytest.fixture
-def browser(shell):
-    return RecordingBrowser(shell.home)
-
-
-@pytest.fixture
 def view(shell, browser):
     """A running shell whose page can be sent somewhere."""
     shell.start()

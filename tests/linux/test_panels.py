@@ -1,13 +1,11 @@
 """The status item in real panels: Xfce's, and LXQt's as the strict one."""
 
-import json
-
 import pytest
 
 from harness.panels import LxqtPanel, XfcePanel, popups
 from harness.server import Plan
 from harness.shell import REPOSITORY
-from harness.tray import project, state
+from harness.tray import answered, project
 from harness.waiting import stays, wait_until
 
 SHOP = project("shop_front", [3000], appRunning=True)
@@ -16,10 +14,6 @@ BLOG = project("blog")
 # The first project is the second row that can be chosen; "Show in Harbrook" and "Stop" follow its port.
 FIRST_PROJECT = ("Down", "Down")
 STOP = (*FIRST_PROJECT, "Right", "Down", "Down", "Return")
-
-
-def answered(*projects):
-    return {"body": json.dumps(state(*projects))}
 
 
 @pytest.fixture(params=[XfcePanel, LxqtPanel], ids=["Xfce", "LXQt"])
@@ -38,11 +32,6 @@ def shell(make_shell, panel):
     shell.server.wait_for_page()
     panel.wait_for_count()
     return shell
-
-
-def wait_for_polls(shell, count):
-    before = len(shell.server.requests("/api/state"))
-    wait_until(f"{count} polls", lambda: len(shell.server.requests("/api/state")) >= before + count)
 
 
 def wait_for_blog(shell):
@@ -74,7 +63,7 @@ def test_the_open_menu_stays_usable_across_polls(panel, shell):
     panel.choose(*FIRST_PROJECT, "Right")
     for projects in [(BLOG, SHOP), (BLOG,), (BLOG, SHOP)]:
         shell.server.answer("/api/state", **answered(*projects))
-        wait_for_polls(shell, 2)
+        shell.server.wait_for_polls(2)
         assert menu in popups(panel.desktop.screen)
     take_picture(panel, "menu-across-polls")
     panel.choose("Down", "Down", "Return")
@@ -85,7 +74,7 @@ def test_the_next_opening_shows_the_new_menu(panel, shell):
     before = panel.open_menu()
     heard = panel.desktop.bus.signals(interface="com.canonical.dbusmenu", member="LayoutUpdated")
     shell.server.answer("/api/state", **answered(BLOG, SHOP))
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     assert before in popups(panel.desktop.screen)
     assert not heard
     panel.close_menu()
@@ -102,7 +91,7 @@ def test_a_menu_that_is_opened_again_at_once_shows_the_new_one_too(panel, shell)
     screen = panel.desktop.screen
     before = panel.open_menu()
     shell.server.answer("/api/state", **answered(BLOG, SHOP))
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     picture = screen.picture(before).data
     panel.close_menu()
     after = panel.open_menu()

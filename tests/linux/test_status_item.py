@@ -1,9 +1,7 @@
 """The status item and the watchers that come and go."""
 
-import json
-
 from harness.server import Plan
-from harness.tray import Watcher, project, state
+from harness.tray import Watcher, answered, project
 from harness.waiting import stays, wait_until
 
 SHOP = project("shop", [3000])
@@ -11,11 +9,11 @@ BLOG = project("blog", [4000])
 
 
 def plan(*projects, **counts):
-    return Plan(answers={"/api/state": {"body": json.dumps(state(*projects, **counts))}})
+    return Plan(answers={"/api/state": answered(*projects, **counts)})
 
 
 def answer(shell, *projects, **counts):
-    shell.server.answer("/api/state", body=json.dumps(state(*projects, **counts)))
+    shell.server.answer("/api/state", **answered(*projects, **counts))
 
 
 def shown_pixels(item):
@@ -164,8 +162,7 @@ def test_polls_that_change_nothing_put_nothing_on_the_bus(make_shell, desktop, w
     shell.start()
     item = watcher.item()
     item.menu.wait_for_outline(lambda rows: "(Running projects)" in rows)
-    polls = len(shell.server.requests("/api/state"))
     of_item, of_menu = item.signals()
-    wait_until("three more polls", lambda: len(shell.server.requests("/api/state")) >= polls + 3)
+    shell.server.wait_for_polls(3)
     assert of_item == []
     assert of_menu == []

@@ -8,7 +8,7 @@ import pytest
 from gi.repository import GLib
 
 from harness.server import Plan
-from harness.tray import project, state
+from harness.tray import answered, project
 from harness.waiting import stays, wait_until
 
 OPEN = "Open Harbrook [Control+o]"
@@ -18,10 +18,6 @@ NO_COUNTS = "(PostgreSQL: 0   Redis: 0   Containers: 0)"
 SHOP = project("shop", [3000, 5173, 8080, 9000], appRunning=True)
 BLOG = project("blog")
 NOTES = project("notes", running=False, hasCommand=True)
-
-
-def answered(*projects, **counts):
-    return {"body": json.dumps(state(*projects, **counts))}
 
 
 @pytest.fixture
@@ -42,11 +38,6 @@ def started(make_shell, desktop, watcher):
 
 def change(shell, *projects, **counts):
     shell.server.answer("/api/state", **answered(*projects, **counts))
-
-
-def wait_for_polls(shell, count):
-    before = len(shell.server.requests("/api/state"))
-    wait_until(f"{count} polls", lambda: len(shell.server.requests("/api/state")) >= before + count)
 
 
 # Layouts
@@ -245,7 +236,7 @@ def test_a_new_project_is_one_new_layout_and_the_others_keep_their_numbers(start
     heard = menu.signals()
     change(shell, BLOG, SHOP, NOTES)
     wait_until("the change is announced", lambda: heard)
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     assert [(member, arguments[1]) for member, _, arguments in heard] == [("LayoutUpdated", 0)]
     after = menu.layout()
     for labels in [("shop",), ("shop", "Stop"), ("Start",), ("Start", "notes"), ("Quit",), ("PostgreSQL",)]:
@@ -273,7 +264,7 @@ def refreshes(shell):
 
 def wait_for_a_quiet_moment(shell):
     """Just after a poll, so that the next one is seconds away."""
-    wait_for_polls(shell, 1)
+    shell.server.wait_for_polls(1)
 
 
 @pytest.mark.parametrize("host", ["single calls", "group calls", "events only"])
@@ -309,7 +300,7 @@ def test_the_open_menu_is_left_alone_until_it_closes(started):
     menu.event(0, "opened")
     heard = menu.signals()
     change(shell, SHOP, BLOG)
-    wait_for_polls(shell, 3)
+    shell.server.wait_for_polls(3)
     assert heard == []
     assert menu.outline() == before
 
@@ -324,7 +315,7 @@ def test_a_choice_closes_the_menu(started):
     menu.about_to_show()
     menu.event(0, "opened")
     change(shell, SHOP, BLOG)
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     heard = menu.signals()
     menu.click("Open Harbrook")
     wait_until("the new one is announced", lambda: heard)
@@ -335,7 +326,7 @@ def test_a_host_that_never_says_closed_gets_the_new_menu_at_its_next_opening(sta
     assert menu.call("AboutToShowGroup", "(ai)", [0]) == ([], [])
     change(shell, SHOP, BLOG)
     heard = menu.signals()
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     assert heard == []
     assert menu.call("AboutToShowGroup", "(ai)", [0, 29999]) == ([0], [29999])
     assert menu.layout().find("blog")
@@ -348,7 +339,7 @@ def test_a_host_that_asks_by_single_calls_gets_the_new_menu_by_the_answer(starte
     menu.about_to_show()
     change(shell, SHOP, BLOG)
     heard = menu.signals()
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     assert menu.about_to_show() is True
     assert menu.layout().find("blog")
     assert heard == []
@@ -364,7 +355,7 @@ def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop, 
     menu.wait_for_outline(lambda rows: "(Running projects)" in rows)
     menu.event(0, "opened")
     change(shell, SHOP, BLOG)
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     watcher.leave()
     menu.wait_for_outline(lambda rows: ("blog   ", ["Show in Harbrook"]) in rows)
 
@@ -391,7 +382,6 @@ def test_three_thousand_projects_do_not_stall_the_program(started):
     assert max(row.number for parent in [rows, *rows.children] for row in parent.children) < 30000
 
     # Nor with polls that change nothing.
-    polls = len(shell.server.requests("/api/state"))
     before = seconds_of_main_thread(shell.pid)
-    wait_until("three polls", lambda: len(shell.server.requests("/api/state")) >= polls + 3)
+    shell.server.wait_for_polls(3)
     assert seconds_of_main_thread(shell.pid) - before < 0.1

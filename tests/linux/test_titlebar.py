@@ -2,8 +2,7 @@
 
 import pytest
 
-from harness.input_page import input_page
-from harness.server import Plan
+from harness.input_page import input_plan
 from harness.waiting import wait_until
 from harness.x11 import Rectangle
 
@@ -17,7 +16,7 @@ NOT_MARKED = "!document.documentElement.classList.contains('fullscreen')"
 
 @pytest.fixture
 def shell(make_shell):
-    return make_shell(Plan(answers={"/": {"body": input_page()}}))
+    return make_shell(input_plan())
 
 
 def button(shell, name):
@@ -40,13 +39,11 @@ def band(shell):
 
 
 def away_from_buttons(shell):
-    area = shell.window().area
-    shell.desktop.screen.tool("mousemove", area.x + 700, area.y + 500)
+    shell.desktop.screen.tool("mousemove", *shell.in_window(700, 500))
 
 
 def press_button(shell, name):
-    area = shell.window().area
-    shell.desktop.screen.click(area.x + PLACES[name] + SIZE // 2, area.y + TOP + SIZE // 2)
+    shell.desktop.screen.click(*shell.in_window(PLACES[name] + SIZE // 2, TOP + SIZE // 2))
 
 
 def discs(picture, scale):
@@ -79,7 +76,7 @@ def test_the_buttons_are_in_their_places(running):
 @pytest.mark.parametrize("dark", [False, True], ids=["light", "dark"])
 def test_the_buttons_are_seen_in_their_places(make_desktop, make_shell, scale, dark):
     desktop = make_desktop(size=(2800, 1900)) if scale == 2 else make_desktop()
-    plan = Plan(answers={"/": {"body": input_page()}})
+    plan = input_plan()
     shell = make_shell(plan, desktop=desktop, environment={"GDK_SCALE": str(scale)})
     shell.prefer_dark(dark)
     shell.start()
