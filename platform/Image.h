@@ -4,6 +4,8 @@
 #include "platform/Geometry.h"
 
 #include <filesystem>
+#include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -74,12 +76,15 @@ struct Image {
     /// Only the alpha channel counts; the platform tints it for its surroundings.
     bool isTemplate = false;
     std::variant<std::filesystem::path, Drawing> source;
+    /// What is read out instead of the image.
+    std::string accessibilityDescription = {};
 
     [[nodiscard]] static Image imageWithSize(Size size, Drawing drawing) {
-        return {size, false, std::move(drawing)};
+        return {size, false, std::move(drawing), {}};
     }
     void setSize(Size newSize) { size = newSize; }
     void setTemplate(bool flag) { isTemplate = flag; }
+    void setAccessibilityDescription(std::string text) { accessibilityDescription = std::move(text); }
 
     bool operator==(const Image&) const = default;
 };

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "app/Invariant.h"
+#include "app/Product.h"
 #include "status/MenuBarIcon.h"
 #include "status/StatusMenu.h"
 
@@ -13,6 +14,7 @@ Image AppDelegate::menuBarIcon(Platform& platform, bool idle) {
     if (!image) image = Image::imageWithSize(size, menuBarIconDrawing(idle));
     image->setSize(size);
     image->setTemplate(true);
+    image->setAccessibilityDescription(std::string(product::name));
     return *image;
 }
 

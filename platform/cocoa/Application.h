@@ -3,6 +3,8 @@
 #include "platform/Application.h"
 #include "platform/cocoa/Frameworks.h"
 
+#include <vector>
+
 @class HarbrookApplicationDelegate;
 
 namespace harbrook::cocoa {
@@ -22,6 +24,9 @@ private:
     NSApplication* application_ = [NSApplication sharedApplication];
     // The application holds its delegate weakly.
     HarbrookApplicationDelegate* delegate_ = nil;
+    std::vector<dispatch_source_t> terminationSignals_;
+    // Lasts for as long as somebody holds it.
+    id activity_ = nil;
 };
 
 } // namespace harbrook::cocoa

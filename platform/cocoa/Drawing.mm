@@ -135,6 +135,7 @@ NSImage* _Nullable toNSImage(const Image& image) {
         image.source);
     result.size = size;
     [result setTemplate:image.isTemplate];
+    result.accessibilityDescription = toNSString(image.accessibilityDescription);
     return result;
 }
 

@@ -95,7 +95,7 @@ std::shared_ptr<harbrook::OpenPanel> Platform::makeOpenPanel() {
 std::optional<Image> Platform::imageWithContentsOfURL(const std::filesystem::path& path) {
     NSImage* const image = [[NSImage alloc] initWithContentsOfURL:fileURL(path)];
     if (!image) return std::nullopt;
-    return Image{{image.size.width, image.size.height}, false, path};
+    return Image{{image.size.width, image.size.height}, false, path, {}};
 }
 
 } // namespace harbrook::cocoa

@@ -1,5 +1,6 @@
 #include "platform/cocoa/Process.h"
 
+#include "platform/Descriptor.h"
 #include "platform/cocoa/Conversions.h"
 
 namespace harbrook::cocoa {
@@ -25,10 +26,11 @@ int ProcessInfo::processIdentifier() {
 }
 
 std::string FileHandle::availableData() {
-    NSData* const data = handle_.availableData;
+    // The handle's own `availableData` raises an exception when reading fails, and nobody would catch it.
+    auto data = readAvailable(handle_.fileDescriptor);
     // At end of file the handler would be called again and again; this also lets go of what it holds.
-    if (data.length == 0) handle_.readabilityHandler = nil;
-    return fromNSData(data);
+    if (data.empty()) handle_.readabilityHandler = nil;
+    return data;
 }
 
 std::string FileHandle::readDataToEndOfFile() {

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "platform/Latest.h"
 #include "platform/StatusItem.h"
 #include "platform/cocoa/Frameworks.h"
-
-#include <optional>
 
 @class HarbrookMenuDelegate;
 
@@ -19,6 +18,8 @@ public:
 
 private:
     NSStatusBarButton* button_;
+    Latest<std::string> title_;
+    Latest<Image> image_;
 };
 
 class StatusItem final : public harbrook::StatusItem {
@@ -28,11 +29,13 @@ public:
     StatusItem& operator=(const StatusItem&) = delete;
     ~StatusItem() override;
 
-    std::shared_ptr<harbrook::StatusBarButton> button() override;
+    std::shared_ptr<harbrook::StatusBarButton> button() override { return button_; }
     void setMenu(const Menu& menu, std::weak_ptr<MenuDelegate> delegate) override;
 
 private:
     NSStatusItem* item_;
+    std::shared_ptr<StatusBarButton> button_ = std::make_shared<StatusBarButton>(item_.button);
+    Latest<Menu> menu_;
     // The native menu holds its delegate weakly.
     HarbrookMenuDelegate* delegate_ = nil;
 };

@@ -26,11 +26,11 @@
 namespace harbrook::cocoa {
 
 void StatusBarButton::setTitle(const std::string& title) {
-    button_.title = toNSString(title);
+    if (title_.take(title)) button_.title = toNSString(title);
 }
 
 void StatusBarButton::setImage(const Image& image) {
-    button_.image = toNSImage(image);
+    if (image_.take(image)) button_.image = toNSImage(image);
 }
 
 void StatusBarButton::setImagePosition(ImagePosition position) {
@@ -41,15 +41,10 @@ StatusItem::~StatusItem() {
     [[NSStatusBar systemStatusBar] removeStatusItem:item_];
 }
 
-std::shared_ptr<harbrook::StatusBarButton> StatusItem::button() {
-    return std::make_shared<StatusBarButton>(item_.button);
-}
-
 void StatusItem::setMenu(const Menu& menu, std::weak_ptr<MenuDelegate> delegate) {
-    NSMenu* const native = toNSMenu(menu);
+    if (menu_.take(menu)) item_.menu = toNSMenu(menu);
     delegate_ = [[HarbrookMenuDelegate alloc] initWithDelegate:std::move(delegate)];
-    native.delegate = delegate_;
-    item_.menu = native;
+    item_.menu.delegate = delegate_;
 }
 
 std::shared_ptr<harbrook::StatusItem> StatusBar::statusItemWithLength(double length) {

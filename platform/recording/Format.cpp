@@ -3,8 +3,10 @@
 #include "platform/recording/Appearance.h"
 
 #include <array>
-#include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 
 namespace harbrook::recording {
 
@@ -38,9 +40,14 @@ std::string inQuotes(std::string_view text) {
 }
 
 std::string format(double number) {
-    std::array<char, 32> buffer{};
-    auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
-    return {buffer.data(), end};
+    // The fewest decimals that tell it from every other number; at most as many as a `double` ever needs
+    // here. `std::to_chars` does this, too, but came to macOS after the oldest one that the tests run on.
+    constexpr int enough = 17;
+    std::array<char, std::numeric_limits<double>::max_exponent10 + 5 + enough> buffer{};
+    for (int decimals = 0;; ++decimals) {
+        std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, number);
+        if (decimals == enough || std::strtod(buffer.data(), nullptr) == number) return buffer.data();
+    }
 }
 
 std::string format(bool flag) {

@@ -179,7 +179,7 @@ std::optional<Image> Platform::imageWithContentsOfURL(const std::filesystem::pat
     world_->requireMain("imageWithContentsOfURL");
     const auto found = pictures_.find(path);
     if (found == pictures_.end()) return std::nullopt;
-    return Image{found->second, false, path};
+    return Image{found->second, false, path, {}};
 }
 
 void Platform::addPicture(const std::filesystem::path& path, Size size) {

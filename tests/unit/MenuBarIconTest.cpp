@@ -68,11 +68,12 @@ TEST_F(MenuBarIcon, is_the_picture_at_18_points_as_a_template) {
     platform->addPicture(busyPicture, {36, 36});
     platform->addPicture(idlePicture, {36, 36});
     EXPECT_EQ(
-        AppDelegate::menuBarIcon(*platform), (Image{{18, 18}, true, std::filesystem::path(busyPicture)}));
+        AppDelegate::menuBarIcon(*platform),
+        (Image{{18, 18}, true, std::filesystem::path(busyPicture), "Harbrook"}));
     EXPECT_EQ(AppDelegate::menuBarIcon(*platform, false), AppDelegate::menuBarIcon(*platform));
     EXPECT_EQ(
         AppDelegate::menuBarIcon(*platform, true),
-        (Image{{18, 18}, true, std::filesystem::path(idlePicture)}));
+        (Image{{18, 18}, true, std::filesystem::path(idlePicture), "Harbrook"}));
 }
 
 TEST_F(MenuBarIcon, has_18_points_whatever_the_size_of_the_picture) {
@@ -81,13 +82,18 @@ TEST_F(MenuBarIcon, has_18_points_whatever_the_size_of_the_picture) {
 }
 
 TEST_F(MenuBarIcon, is_drawn_when_there_is_no_picture) {
-    EXPECT_EQ(AppDelegate::menuBarIcon(*platform), (Image{{18, 18}, true, menuBarIconDrawing(false)}));
-    EXPECT_EQ(AppDelegate::menuBarIcon(*platform, true), (Image{{18, 18}, true, menuBarIconDrawing(true)}));
+    EXPECT_EQ(
+        AppDelegate::menuBarIcon(*platform), (Image{{18, 18}, true, menuBarIconDrawing(false), "Harbrook"}));
+    EXPECT_EQ(
+        AppDelegate::menuBarIcon(*platform, true),
+        (Image{{18, 18}, true, menuBarIconDrawing(true), "Harbrook"}));
 }
 
 TEST_F(MenuBarIcon, is_drawn_when_the_picture_does_not_decode) {
     platform->files().addFile(idlePicture, "not a picture");
-    EXPECT_EQ(AppDelegate::menuBarIcon(*platform, true), (Image{{18, 18}, true, menuBarIconDrawing(true)}));
+    EXPECT_EQ(
+        AppDelegate::menuBarIcon(*platform, true),
+        (Image{{18, 18}, true, menuBarIconDrawing(true), "Harbrook"}));
 }
 
 TEST_F(MenuBarIcon, the_two_forms_fall_back_independently) {

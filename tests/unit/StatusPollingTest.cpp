@@ -40,8 +40,8 @@ protected:
     [[nodiscard]] const std::string& buttonTitle() { return statusItem().shownButton().title(); }
     [[nodiscard]] Image buttonImage() { return statusItem().shownButton().image().value(); }
 
-    const Image busy = {{18, 18}, true, menuBarIconDrawing(false)};
-    const Image idle = {{18, 18}, true, menuBarIconDrawing(true)};
+    const Image busy = {{18, 18}, true, menuBarIconDrawing(false), "Harbrook"};
+    const Image idle = {{18, 18}, true, menuBarIconDrawing(true), "Harbrook"};
 };
 
 TEST_F(Status, the_item_is_built_with_the_busy_icon_an_empty_menu_and_a_first_refresh) {

@@ -21,7 +21,7 @@ std::optional<Image> imageWithContentsOfURL(const std::filesystem::path& path) {
     const Size size = {
         static_cast<double>(gdk_texture_get_width(texture.get())),
         static_cast<double>(gdk_texture_get_height(texture.get()))};
-    return Image{size, false, path};
+    return Image{size, false, path, {}};
 }
 
 TexturePtr loadTexture(const std::filesystem::path& path, int side) {

@@ -49,7 +49,7 @@ OBJECTIVE_C_RUNTIME = """
 COMPILER_SUPPORT = """
     __stack_chk_guard __stack_chk_fail _tlv_bootstrap dyld_stub_binder __cxa_thread_atexit _tlv_atexit bzero __bzero
     _Block_copy _Block_release _Block_object_assign _Block_object_dispose
-    _NSConcreteGlobalBlock _NSConcreteStackBlock _dispatch_main_q
+    _NSConcreteGlobalBlock _NSConcreteStackBlock _dispatch_main_q _dispatch_source_type_signal
     __CFConstantStringClassReference __NSArray0__ __NSDictionary0__
 """.split()
 

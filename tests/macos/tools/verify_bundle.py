@@ -18,6 +18,11 @@ PROPERTIES = {
     "NSAppTransportSecurity": {"NSAllowsLocalNetworking": True},
     "NSPrincipalClass": "NSApplication",
 }
+# What the system shows to the user in our name.
+TEXTS = (
+    "CFBundleVersion", "CFBundleShortVersionString", "NSHumanReadableCopyright",
+    "NSDesktopFolderUsageDescription", "NSDocumentsFolderUsageDescription", "NSDownloadsFolderUsageDescription",
+)
 RESOURCES = (
     "app/server.js", "app/package.json", "app/page/index.html", "app/third-party.txt",
     "menubarTemplate@2x.png", "menubarIdleTemplate@2x.png",
@@ -28,7 +33,7 @@ def main():
     contents = Path(sys.argv[1]) / "Contents"
     properties = plistlib.loads((contents / "Info.plist").read_bytes())
     problems = [f"{key} is {properties.get(key)!r}" for key, value in PROPERTIES.items() if properties.get(key) != value]
-    problems += [f"{key} is empty" for key in ("CFBundleVersion", "CFBundleShortVersionString") if not properties.get(key)]
+    problems += [f"{key} is empty" for key in TEXTS if not properties.get(key)]
     program = contents / "MacOS/Harbrook"
     architectures = set(mach_o.output("llvm-lipo-19", "-archs", program).split())
     if architectures != set(mach_o.ARCHITECTURES):
