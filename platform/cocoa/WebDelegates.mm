@@ -11,21 +11,10 @@ harbrook::NavigationAction fromWKNavigationAction(WKNavigationAction* action) {
     return {fromNSURL(action.request.URL)};
 }
 
-// Written out, because their declarations (WebKitErrorDomain and
-// WebKitErrorFrameLoadInterruptedByPolicyChange) are deprecated while the engine still reports them.
-NSString* const interruptionDomain = @"WebKitErrorDomain";
-constexpr NSInteger interruptionCode = 102;
-
-bool isInterruption(NSError* error) {
-    return error.code == interruptionCode && [error.domain isEqualToString:interruptionDomain];
-}
-
 } // namespace
 
 @implementation HarbrookNavigationDelegate {
     std::weak_ptr<harbrook::WebNavigationDelegate> _delegate;
-    // The engine reports a refused redirect as a load that failed.
-    BOOL _lastDecisionWasCancel;
 }
 
 - (instancetype)initWithDelegate:(std::weak_ptr<harbrook::WebNavigationDelegate>)delegate {
@@ -41,7 +30,6 @@ bool isInterruption(NSError* error) {
     if (!delegate) return decisionHandler(WKNavigationActionPolicyCancel);
     delegate->decidePolicyForNavigationAction(
         fromWKNavigationAction(navigationAction), [&](harbrook::NavigationActionPolicy policy) {
-            self->_lastDecisionWasCancel = policy == harbrook::NavigationActionPolicy::cancel;
             decisionHandler(static_cast<WKNavigationActionPolicy>(policy));
         });
 }
@@ -49,16 +37,11 @@ bool isInterruption(NSError* error) {
 - (void)webView:(WKWebView*)webView
     didFailProvisionalNavigation:(WKNavigation*)navigation
                        withError:(NSError*)error {
-    if (_lastDecisionWasCancel && isInterruption(error)) return;
     if (const auto delegate = _delegate.lock()) delegate->didFailProvisionalNavigation(fromNSError(error));
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error {
     if (const auto delegate = _delegate.lock()) delegate->didFailNavigation(fromNSError(error));
-}
-
-- (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
-    if (const auto delegate = _delegate.lock()) delegate->didFailNavigation({"The page's process ended."});
 }
 
 @end

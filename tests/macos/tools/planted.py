@@ -77,8 +77,8 @@ COMPILED = [
 LINKED = [
     Mistake("a misspelt optional callback", f"{COCOA}/ApplicationDelegate.mm", "- (void)applicationWillTerminate:",
             "- (void)applicationWilTerminate:", r"applicationWilTerminate:\] is no callback"),
-    Mistake("a callback left out", f"{COCOA}/WebDelegates.mm", "- (void)webViewWebContentProcessDidTerminate:",
-            "- (void)initWithDelegate:(int)one or:", "has no webViewWebContentProcessDidTerminate:"),
+    Mistake("a callback left out", f"{COCOA}/WebDelegates.mm", "- (void)webView:(WKWebView*)webView didFailNavigation:",
+            "- (void)initWithDelegate:(WKWebView*)webView or:", "has no webView:didFailNavigation:withError:"),
     Mistake("a protocol not adopted", f"{COCOA}/StatusItem.mm", "NSObject <NSMenuDelegate>", "NSObject",
             "menuWillOpen.*is no callback|does not adopt", flags=("-Wno-error",)),
     Mistake("an imported constant that no library has", f"{COCOA}/Network.mm", "namespace harbrook::cocoa {",
