@@ -6,9 +6,15 @@ namespace harbrook {
 
 namespace {
 
+std::filesystem::path baseDirectory(Platform& platform) {
+    auto& files = platform.fileManager();
+    const auto home = screenshotHome(platform.processInfo().environment());
+    // A relative path counts from the working directory, and an empty one is that directory.
+    return home ? files.currentDirectoryPath() / *home : files.homeDirectoryForCurrentUser();
+}
+
 std::filesystem::path makeDataDir(Platform& platform) {
-    const auto base = screenshotHome(platform.processInfo().environment())
-                          .value_or(platform.fileManager().homeDirectoryForCurrentUser());
+    const auto base = baseDirectory(platform);
     auto dataDir = base / ".harbrook";
     const auto earlierDir = base / ".ferncastle";
     auto& files = platform.fileManager();

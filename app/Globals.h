@@ -43,8 +43,8 @@ public:
 /// 32 bytes of the platform's secure random source, in hexadecimal.
 [[nodiscard]] std::string makeApiToken(Platform& platform);
 
-/// The directory that takes the place of the user's home in screenshot mode, or none when the mode is off or
-/// names no directory.
+/// What takes the place of the user's home in screenshot mode, as the environment has it (it may be relative
+/// or empty), or none when the mode is off or names nothing.
 [[nodiscard]] std::optional<std::filesystem::path> screenshotHome(const Environment& environment);
 
 /// Whether the environment switches screenshot mode on.

@@ -16,6 +16,8 @@ public:
 
     /// The current user's home directory.
     [[nodiscard]] virtual std::filesystem::path homeDirectoryForCurrentUser() = 0;
+    /// The process's working directory, against which relative paths are taken.
+    [[nodiscard]] virtual std::filesystem::path currentDirectoryPath() = 0;
     [[nodiscard]] virtual bool fileExistsAtPath(const std::filesystem::path& path) = 0;
     /// Whether `path` is a file that the current user may execute.
     [[nodiscard]] virtual bool isExecutableFileAtPath(const std::filesystem::path& path) = 0;

@@ -7,6 +7,7 @@ namespace harbrook::cocoa {
 class FileManager final : public harbrook::FileManager {
 public:
     std::filesystem::path homeDirectoryForCurrentUser() override;
+    std::filesystem::path currentDirectoryPath() override;
     bool fileExistsAtPath(const std::filesystem::path& path) override;
     bool isExecutableFileAtPath(const std::filesystem::path& path) override;
     std::optional<Error> moveItemAtURL(

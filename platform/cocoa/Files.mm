@@ -20,6 +20,10 @@ std::filesystem::path FileManager::homeDirectoryForCurrentUser() {
     return *pathOf(manager().homeDirectoryForCurrentUser);
 }
 
+std::filesystem::path FileManager::currentDirectoryPath() {
+    return fromNSString(manager().currentDirectoryPath);
+}
+
 bool FileManager::fileExistsAtPath(const std::filesystem::path& path) {
     return [manager() fileExistsAtPath:toNSString(path.native())];
 }

@@ -16,6 +16,7 @@ public:
     explicit FileManager(WorldPtr world) : world_(std::move(world)) {}
 
     std::filesystem::path homeDirectoryForCurrentUser() override { return home_; }
+    std::filesystem::path currentDirectoryPath() override { return currentDirectory_; }
     bool fileExistsAtPath(const std::filesystem::path& path) override;
     bool isExecutableFileAtPath(const std::filesystem::path& path) override;
     std::optional<Error> moveItemAtURL(
@@ -27,6 +28,7 @@ public:
     // For the test.
 
     void setHome(std::filesystem::path home) { home_ = std::move(home); }
+    void setCurrentDirectory(std::filesystem::path directory) { currentDirectory_ = std::move(directory); }
     /// Puts a directory there, with those above it.
     void addDirectory(const std::filesystem::path& path);
     /// Puts a file there, with the directories above it.
@@ -57,6 +59,7 @@ private:
 
     WorldPtr world_;
     std::filesystem::path home_ = "/home/ada";
+    std::filesystem::path currentDirectory_ = "/";
     // Nodes are shared with the handles that are open on them, which outlive a replaced name.
     std::map<std::filesystem::path, std::shared_ptr<Node>> nodes_;
     std::set<std::filesystem::path> unwritable_;

@@ -9,6 +9,11 @@ protected:
     [[nodiscard]] FileManager& files() { return platform().fileManager(); }
 };
 
+TEST_P(Files, the_working_directory_and_the_home_directory_are_whole_paths) {
+    EXPECT_TRUE(files().currentDirectoryPath().is_absolute());
+    EXPECT_TRUE(files().homeDirectoryForCurrentUser().is_absolute());
+}
+
 TEST_P(Files, a_directory_is_made_with_those_above_it_and_may_exist) {
     const auto path = desktop().directory() / "one" / "two" / "three";
     EXPECT_FALSE(files().fileExistsAtPath(path));

@@ -53,6 +53,19 @@ TEST_F(GlobalsAtStart, the_screenshot_home_takes_the_place_of_the_home_directory
     EXPECT_EQ(dataDir(), "/tmp/shots/.harbrook");
 }
 
+TEST_F(GlobalsAtStart, a_screenshot_home_is_taken_against_the_working_directory) {
+    platform->files().setCurrentDirectory("/work/here");
+    setVariable("HARBROOK_SHOTS", "1");
+    for (const auto& [home, expected] : std::map<std::string, std::string>{
+             {"shots", "/work/here/shots/.harbrook"},
+             {"./a/b", "/work/here/./a/b/.harbrook"},
+             {"", "/work/here/.harbrook"},
+             {"/tmp/shots", "/tmp/shots/.harbrook"}}) {
+        setVariable("HARBROOK_SHOTS_HOME", home);
+        EXPECT_EQ(dataDir(), expected);
+    }
+}
+
 TEST_F(GlobalsAtStart, a_screenshot_home_that_does_not_exist_is_not_checked) {
     setVariable("HARBROOK_SHOTS", "1");
     setVariable("HARBROOK_SHOTS_HOME", "/no/such/place");

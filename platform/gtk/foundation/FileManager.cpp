@@ -55,6 +55,11 @@ fs::path FileManager::homeDirectoryForCurrentUser() {
     return g_get_home_dir();
 }
 
+fs::path FileManager::currentDirectoryPath() {
+    std::error_code ignored;
+    return fs::current_path(ignored);
+}
+
 bool FileManager::fileExistsAtPath(const fs::path& path) {
     std::error_code ignored;
     return fs::exists(path, ignored);

@@ -10,6 +10,7 @@ class FileManager final : public harbrook::FileManager {
 public:
     /// HOME, or what the password database says.
     std::filesystem::path homeDirectoryForCurrentUser() override;
+    std::filesystem::path currentDirectoryPath() override;
     bool fileExistsAtPath(const std::filesystem::path& path) override;
     bool isExecutableFileAtPath(const std::filesystem::path& path) override;
     /// A destination that exists is an error.
