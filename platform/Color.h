@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -33,10 +34,12 @@ public:
 enum class SystemColor { secondaryLabelColor };
 
 /// A colour: fixed, chosen by the platform, or resolved anew for each appearance.
-/// A dynamic provider may be called on any thread, whenever the platform resolves the colour.
+/// A dynamic provider may be called on any thread, whenever the platform resolves the colour. Copies of a
+/// dynamic colour are that very colour, wherever it is used; another made with the same provider is another.
 class Color {
 public:
     using DynamicProvider = std::function<SRGBColor(const Appearance&)>;
+    using Dynamic = std::shared_ptr<const DynamicProvider>;
 
     Color(SRGBColor color) : source_(color) {}
     Color(SystemColor color) : source_(color) {}
@@ -44,17 +47,17 @@ public:
     [[nodiscard]] static Color secondaryLabelColor() { return SystemColor::secondaryLabelColor; }
     [[nodiscard]] static Color blackColor() { return SRGBColor{0, 0, 0, 1}; }
     [[nodiscard]] static Color colorWithDynamicProvider(DynamicProvider provider) {
-        return Color(std::move(provider));
+        return Color(std::make_shared<const DynamicProvider>(std::move(provider)));
     }
 
-    [[nodiscard]] const std::variant<SRGBColor, SystemColor, DynamicProvider>& source() const {
-        return source_;
-    }
+    [[nodiscard]] const std::variant<SRGBColor, SystemColor, Dynamic>& source() const { return source_; }
+
+    bool operator==(const Color&) const = default;
 
 private:
-    explicit Color(DynamicProvider provider) : source_(std::move(provider)) {}
+    explicit Color(Dynamic provider) : source_(std::move(provider)) {}
 
-    std::variant<SRGBColor, SystemColor, DynamicProvider> source_;
+    std::variant<SRGBColor, SystemColor, Dynamic> source_;
 };
 
 } // namespace harbrook

@@ -61,6 +61,7 @@ public:
     [[nodiscard]] virtual std::uint8_t secureRandomByte() = 0;
 
     // Main thread.
+    /// Makes the application the first time it is asked for, and not before.
     [[nodiscard]] virtual Application& sharedApplication() = 0;
     [[nodiscard]] virtual Workspace& sharedWorkspace() = 0;
     [[nodiscard]] virtual StatusBar& systemStatusBar() = 0;

@@ -2,20 +2,20 @@
 
 #include "platform/Color.h"
 
+#include <optional>
 #include <string>
 
 namespace harbrook {
 
-enum class FontWeight { regular, medium };
+enum class FontWeight { medium };
 
-/// The platform's own interface font. Sizes are points.
+/// The platform's own interface font, in its usual weight unless another is named. Sizes are points.
 struct Font {
     double size = 0;
-    FontWeight weight = FontWeight::regular;
+    std::optional<FontWeight> weight = {};
 
-    [[nodiscard]] static Font systemFontOfSize(double size, FontWeight weight = FontWeight::regular) {
-        return {size, weight};
-    }
+    [[nodiscard]] static Font systemFontOfSize(double size) { return {size}; }
+    [[nodiscard]] static Font systemFontOfSize(double size, FontWeight weight) { return {size, weight}; }
 
     bool operator==(const Font&) const = default;
 };

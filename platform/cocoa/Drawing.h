@@ -11,7 +11,8 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace harbrook::cocoa {
 
-/// A dynamic colour asks its provider each time the platform resolves it, on whatever thread that happens.
+/// A dynamic colour asks its provider each time the platform resolves it, on whatever thread that happens;
+/// the same colour becomes the same object. Main thread.
 [[nodiscard]] NSColor* toNSColor(const Color& color);
 [[nodiscard]] NSFont* toNSFont(Font font);
 [[nodiscard]] NSAttributedString* toNSAttributedString(const AttributedString& text);

@@ -3,6 +3,8 @@
 #include "platform/Overloaded.h"
 #include "platform/cocoa/Conversions.h"
 
+#include <map>
+
 namespace harbrook::cocoa {
 
 namespace {
@@ -40,12 +42,20 @@ private:
     NSAppearance* appearance_;
 };
 
-NSColor* dynamicColor(const Color::DynamicProvider& provider) {
+NSColor* newDynamicColor(const Color::Dynamic& provider) {
     const auto kept = provider;
     return [NSColor colorWithName:nil
                   dynamicProvider:^NSColor*(NSAppearance* appearance) {
-                      return fixedColor(kept(NativeAppearance(appearance)));
+                      return fixedColor((*kept)(NativeAppearance(appearance)));
                   }];
+}
+
+/// One object for all uses of a colour. They are few, and each is kept. Main thread.
+NSColor* dynamicColor(const Color::Dynamic& provider) {
+    static std::map<Color::Dynamic, NSColor*> made;
+    const auto [entry, isNew] = made.try_emplace(provider);
+    if (isNew) entry->second = newDynamicColor(provider);
+    return entry->second;
 }
 
 NSColor* systemColor(SystemColor color) {
@@ -104,14 +114,17 @@ NSColor* toNSColor(const Color& color) {
         Overloaded{
             [](SRGBColor fixed) { return fixedColor(fixed); },
             [](SystemColor system) { return systemColor(system); },
-            [](const Color::DynamicProvider& provider) { return dynamicColor(provider); },
+            [](const Color::Dynamic& provider) { return dynamicColor(provider); },
         },
         color.source());
 }
 
 NSFont* toNSFont(Font font) {
-    const auto weight = font.weight == FontWeight::medium ? NSFontWeightMedium : NSFontWeightRegular;
-    return [NSFont systemFontOfSize:font.size weight:weight];
+    if (!font.weight) return [NSFont systemFontOfSize:font.size];
+    switch (*font.weight) {
+    case FontWeight::medium:
+        return [NSFont systemFontOfSize:font.size weight:NSFontWeightMedium];
+    }
 }
 
 NSAttributedString* toNSAttributedString(const AttributedString& text) {

@@ -32,21 +32,21 @@ void takeRole(MenuRole role, NSMenu* menu) {
     }
 }
 
-NSMenuItem* toNSMenuItem(const MenuItem& item) {
-    if (item.isSeparator) return [NSMenuItem separatorItem];
+/// The item is in its menu before its submenu is filled, and the submenu at its item before it takes its
+/// role.
+void addItem(const MenuItem& item, NSMenu* menu) {
+    if (item.isSeparator) return [menu addItem:[NSMenuItem separatorItem]];
     SEL const action = item.action.empty() ? nullptr : NSSelectorFromString(toNSString(item.action));
-    NSMenuItem* const result = [[NSMenuItem alloc] initWithTitle:toNSString(item.title)
-                                                          action:action
-                                                   keyEquivalent:toNSString(item.keyEquivalent)];
-    result.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
-    if (item.target == ActionTarget::delegate) result.target = NSApp.delegate;
-    result.representedObject = toObject(item.representedObject);
-    if (item.submenu) {
-        NSMenu* const submenu = toNSMenu(*item.submenu);
-        result.submenu = submenu;
-        takeRole(item.submenu->role, submenu);
-    }
-    return result;
+    NSMenuItem* const added = [menu addItemWithTitle:toNSString(item.title)
+                                              action:action
+                                       keyEquivalent:toNSString(item.keyEquivalent)];
+    added.keyEquivalentModifierMask = static_cast<NSEventModifierFlags>(item.keyEquivalentModifierMask);
+    if (item.target == ActionTarget::delegate) added.target = NSApp.delegate;
+    added.representedObject = toObject(item.representedObject);
+    if (!item.submenu) return;
+    NSMenu* const submenu = toNSMenu(*item.submenu);
+    added.submenu = submenu;
+    takeRole(item.submenu->role, submenu);
 }
 
 } // namespace
@@ -54,7 +54,7 @@ NSMenuItem* toNSMenuItem(const MenuItem& item) {
 NSMenu* toNSMenu(const Menu& menu) {
     NSMenu* const result = [[NSMenu alloc] initWithTitle:toNSString(menu.title)];
     for (const auto& item : menu.items)
-        [result addItem:toNSMenuItem(item)];
+        addItem(item, result);
     return result;
 }
 

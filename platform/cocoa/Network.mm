@@ -29,10 +29,8 @@ std::shared_ptr<URLSessionDataTask> URLSession::dataTaskWithRequest(
     return std::make_shared<DataTask>([[NSURLSession sharedSession]
         dataTaskWithRequest:toNSURLRequest(request)
           completionHandler:^(NSData* data, NSURLResponse* response, NSError* error) {
-              // A body that was cut short is no body.
-              const bool isComplete = data && !error;
               completionHandler(
-                  isComplete ? std::optional(fromNSData(data)) : std::nullopt, fromNSURLResponse(response),
+                  data ? std::optional(fromNSData(data)) : std::nullopt, fromNSURLResponse(response),
                   error ? std::optional(fromNSError(error)) : std::nullopt);
           }]);
 }

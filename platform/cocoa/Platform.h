@@ -33,7 +33,7 @@ public:
     std::shared_ptr<harbrook::FileHandle> fileHandleWithNullDevice() override;
     std::uint8_t secureRandomByte() override;
 
-    harbrook::Application& sharedApplication() override { return application_; }
+    harbrook::Application& sharedApplication() override;
     harbrook::Workspace& sharedWorkspace() override { return workspace_; }
     harbrook::StatusBar& systemStatusBar() override { return statusBar_; }
     harbrook::NotificationCenter& notificationCenter() override { return notificationCenter_; }
@@ -58,7 +58,8 @@ private:
     FileManager fileManager_;
     Bundle bundle_;
     URLSession session_;
-    Application application_;
+    /// Made when it is first asked for, which is what makes the platform's own.
+    std::optional<Application> application_;
     Workspace workspace_;
     StatusBar statusBar_;
     NotificationCenter notificationCenter_;

@@ -27,6 +27,10 @@ bool Workspace::openURL(const URL& url) {
     return native && [NSWorkspace.sharedWorkspace openURL:native];
 }
 
+harbrook::Application& Platform::sharedApplication() {
+    return application_ ? *application_ : application_.emplace();
+}
+
 bool Platform::isMainThread() {
     return NSThread.isMainThread;
 }

@@ -38,6 +38,10 @@ const MenuItem* itemWithKey(const Menu& menu, const std::string& key, std::uint3
 
 } // namespace
 
+void Application::make() {
+    if (!std::exchange(made_, true)) world_->noteOnMain("application init");
+}
+
 void Application::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
     world_->noteOnMain("application setDelegate");
     delegate_ = std::move(delegate);

@@ -36,6 +36,9 @@ public:
     void terminate() override;
     std::shared_ptr<const harbrook::Event> currentEvent() override { return event_; }
 
+    /// Notes the making, the first time.
+    void make();
+
     // What the test looks at and sets.
 
     [[nodiscard]] const std::optional<Menu>& mainMenu() const { return mainMenu_; }
@@ -69,6 +72,7 @@ private:
     std::optional<AboutPanelOptions> aboutPanel_;
     std::function<void()> loop_;
     std::shared_ptr<const Event> event_;
+    bool made_ = false;
     bool ran_ = false;
     bool terminated_ = false;
 };

@@ -68,15 +68,16 @@ std::string format(Rect rect) {
 
 std::string format(const Color& color) {
     if (const auto* fixed = std::get_if<SRGBColor>(&color.source())) return hexColor(*fixed);
-    if (const auto* provider = std::get_if<Color::DynamicProvider>(&color.source())) {
-        return hexColor((*provider)(Appearance::light())) + " in light, " +
-               hexColor((*provider)(Appearance::dark())) + " in dark";
+    if (const auto* dynamic = std::get_if<Color::Dynamic>(&color.source())) {
+        const auto& provider = **dynamic;
+        return hexColor(provider(Appearance::light())) + " in light, " +
+               hexColor(provider(Appearance::dark())) + " in dark";
     }
     return "secondaryLabelColor";
 }
 
 std::string format(Font font) {
-    return "system " + format(font.size) + (font.weight == FontWeight::medium ? " medium" : " regular");
+    return "system " + format(font.size) + (font.weight == FontWeight::medium ? " medium" : "");
 }
 
 std::string format(const Image& image) {

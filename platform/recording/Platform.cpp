@@ -97,6 +97,7 @@ std::uint8_t Platform::secureRandomByte() {
 
 Application& Platform::sharedApplication() {
     world_->requireMain("sharedApplication");
+    application_.make();
     return application_;
 }
 

@@ -70,6 +70,8 @@ public:
 
     // For the test.
 
+    /// The application, without a question that would make it.
+    [[nodiscard]] Application& application() { return application_; }
     [[nodiscard]] OperationLog& log() { return world_->log; }
     [[nodiscard]] Scheduler& scheduler() { return world_->scheduler; }
     void settle() { world_->scheduler.settle(); }

@@ -21,6 +21,7 @@ void WebView::setValueForKey(bool value, const std::string& key) {
 
 void WebView::setUnderPageBackgroundColor(const Color& color) {
     note("setUnderPageBackgroundColor: " + format(color));
+    underPageColor_ = color;
 }
 
 void WebView::setAutoresizingMask(std::uint32_t mask) {

@@ -30,6 +30,7 @@ public:
     // What the test looks at.
 
     [[nodiscard]] const WebViewConfiguration& configuration() const { return configuration_; }
+    [[nodiscard]] const std::optional<Color>& underPageBackgroundColor() const { return underPageColor_; }
     [[nodiscard]] const std::vector<URLRequest>& loads() const { return loads_; }
     /// The page that is shown, if a load has come to its end.
     [[nodiscard]] const std::optional<URL>& page() const { return page_; }
@@ -65,6 +66,7 @@ private:
     WebViewConfiguration configuration_;
     std::weak_ptr<WebNavigationDelegate> navigationDelegate_;
     std::weak_ptr<WebUIDelegate> uiDelegate_;
+    std::optional<Color> underPageColor_;
     std::vector<URLRequest> loads_;
     std::optional<URL> page_;
 };

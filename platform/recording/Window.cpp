@@ -67,6 +67,7 @@ void Window::setTitlebarSeparatorStyle(TitlebarSeparatorStyle style) {
 
 void Window::setBackgroundColor(const Color& color) {
     note("setBackgroundColor: " + format(color));
+    backgroundColor_ = color;
 }
 
 void Window::setMinSize(Size size) {

@@ -53,6 +53,7 @@ public:
 
     [[nodiscard]] const std::string& title() const { return title_; }
     [[nodiscard]] bool isVisible() const { return visible_; }
+    [[nodiscard]] const std::optional<Color>& backgroundColor() const { return backgroundColor_; }
     [[nodiscard]] const std::shared_ptr<View>& button(WindowButton which) const;
     [[nodiscard]] const std::shared_ptr<View>& titlebar() const { return titlebar_; }
     [[nodiscard]] const std::shared_ptr<View>& titlebarContainer() const { return container_; }
@@ -88,6 +89,7 @@ private:
     std::uint32_t styleMask_;
     Size minSize_;
     std::string title_;
+    std::optional<Color> backgroundColor_;
     bool visible_ = false;
     bool releasedWhenClosed_ = true;
     bool released_ = false;

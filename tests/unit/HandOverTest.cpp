@@ -117,7 +117,7 @@ TEST_F(HandOver, the_canvas_may_be_resolved_on_several_threads_at_once) {
     std::atomic<int> wrong = 0;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
-            const auto& provider = std::get<Color::DynamicProvider>(AppDelegate::canvas().source());
+            const auto& provider = *std::get<Color::Dynamic>(AppDelegate::canvas().source());
             for (int round = 0; round < 200; ++round) {
                 if (provider(recording::Appearance::dark()).red != 22.0 / 255) ++wrong;
             }

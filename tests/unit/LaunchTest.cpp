@@ -27,19 +27,20 @@ protected:
 TEST_F(Launch, the_entry_point_makes_globals_delegate_and_policy_and_then_runs_the_loop) {
     platform->files().addDirectory("/home/ada/.ferncastle");
     bool looped = false;
-    platform->sharedApplication().setLoop([&] {
+    application().setLoop([&] {
         looped = true;
         EXPECT_NE(platform->window(), nullptr) << "launching has finished";
     });
     EXPECT_EQ(runShell(platform), 0);
     EXPECT_TRUE(looped);
-    const auto lines = operationsOf({"files", "application set", "application run"});
+    const auto lines = operationsOf({"files", "application"});
     EXPECT_THAT(
-        std::vector(lines.begin(), lines.begin() + 7),
+        std::vector(lines.begin(), lines.begin() + 8),
         ElementsAre(
             "files fileExists: /home/ada/.harbrook", "files fileExists: /home/ada/.ferncastle",
-            "files move: /home/ada/.ferncastle to /home/ada/.harbrook", "application setDelegate",
-            "application setActivationPolicy: 0", "application run", "application setMainMenu: 5 menus"));
+            "files move: /home/ada/.ferncastle to /home/ada/.harbrook", "application init",
+            "application setDelegate", "application setActivationPolicy: 0", "application run",
+            "application setMainMenu: 5 menus"));
 }
 
 TEST_F(Launch, the_delegate_begins_with_empty_fields) {

@@ -173,7 +173,7 @@ TEST_F(MainWindow, it_is_not_built_off_the_main_thread) {
 }
 
 SRGBColor canvasIn(const Appearance& appearance) {
-    return std::get<Color::DynamicProvider>(AppDelegate::canvas().source())(appearance);
+    return (*std::get<Color::Dynamic>(AppDelegate::canvas().source()))(appearance);
 }
 
 TEST(Canvas, is_dark_in_a_dark_appearance_and_light_in_any_other) {
@@ -194,6 +194,14 @@ TEST(Canvas, asks_for_dark_first_and_light_second) {
 
 TEST(Canvas, is_one_object) {
     EXPECT_EQ(&AppDelegate::canvas(), &AppDelegate::canvas());
+}
+
+TEST_F(MainWindow, page_and_window_stand_on_the_very_same_canvas) {
+    build();
+    EXPECT_EQ(platform->webView()->underPageBackgroundColor(), AppDelegate::canvas());
+    EXPECT_EQ(platform->window()->backgroundColor(), AppDelegate::canvas());
+    const auto& provider = *std::get<Color::Dynamic>(AppDelegate::canvas().source());
+    EXPECT_NE(AppDelegate::canvas(), Color::colorWithDynamicProvider(provider)) << "looks are not enough";
 }
 
 } // namespace

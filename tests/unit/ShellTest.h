@@ -62,7 +62,7 @@ protected:
     void dropDelegate() { delegate.reset(); }
 
     [[nodiscard]] recording::OperationLog& log() const { return platform->log(); }
-    [[nodiscard]] recording::Application& application() const { return platform->sharedApplication(); }
+    [[nodiscard]] recording::Application& application() const { return platform->application(); }
     [[nodiscard]] recording::URLSession& session() const { return platform->session(); }
     [[nodiscard]] recording::Child& server() const { return *platform->processes().children.back(); }
     [[nodiscard]] recording::StatusItem& statusItem() const { return *platform->systemStatusBar().item(); }

@@ -88,7 +88,7 @@ GdkRGBA Appearance::resolve(const Color& color) const {
         const Appearance& appearance;
         SRGBColor operator()(const SRGBColor& fixed) const { return fixed; }
         SRGBColor operator()(SystemColor system) const { return systemColor(system, appearance.isDark()); }
-        SRGBColor operator()(const Color::DynamicProvider& provider) const { return provider(appearance); }
+        SRGBColor operator()(const Color::Dynamic& provider) const { return (*provider)(appearance); }
     };
     const auto concrete = std::visit(Resolver{*this}, color.source());
     return {
