@@ -1,5 +1,7 @@
 import { EventEmitter } from 'node:events';
 import { join } from 'node:path';
+import { setTimeout as wait } from 'node:timers/promises';
+import { UserEnvironment } from './processes/user-environment.js';
 import { PortWatcher } from './ports/port-watcher.js';
 import { Finder } from './projects/finder.js';
 import { Refusal } from './refusal.js';
@@ -9,6 +11,9 @@ import { Settings } from './settings.js';
 import { overviewOf, stateOf } from './snapshots.js';
 
 const ANNOUNCE_DELAY = 80;
+const LONGEST_ANSWER = 20_000;
+
+const hasFailed = (run) => run.ended && !run.stopping && run.code !== 0;
 
 /**
  * What the dashboard knows, joined from its parts. Answers are made once for every change and kept, so that asking
@@ -29,7 +34,8 @@ export class Dashboard extends EventEmitter {
     this.finder = new Finder();
     this.ports = new PortWatcher();
     this.services = new Services({ home, ports: this.ports });
-    this.runner = new Runner(join(dataDirectory, 'logs', 'projects'));
+    this.environment = new UserEnvironment();
+    this.runner = new Runner(join(dataDirectory, 'logs', 'projects'), this.environment);
     for (const part of [this.settings, this.finder, this.ports, this.services, this.runner]) {
       part.on('change', () => this.#changed());
     }
@@ -61,9 +67,20 @@ export class Dashboard extends EventEmitter {
     return this.#make('overview', overviewOf);
   }
 
-  /** The project at `path`. Throws a Refusal when none is known there. */
+  /**
+   * The projects that are found, and those that are not any more but were started here and run, or failed: their output
+   * and the way to stop them must not go with a manifest.
+   */
+  projects() {
+    const found = this.finder.projects();
+    const known = new Set(found.map(({ path }) => path));
+    const gone = this.runner.runs().filter((run) => !known.has(run.project.path) && (!run.ended || hasFailed(run)));
+    return [...found, ...gone.map(({ project }) => ({ ...project, isGone: true }))];
+  }
+
+  /** The project at `path`, found or started here. Throws a Refusal when none is known there. */
   project(path) {
-    const found = typeof path === 'string' ? this.finder.project(path) : undefined;
+    const found = typeof path === 'string' ? (this.finder.project(path) ?? this.runner.run(path)?.project) : undefined;
     if (!found) throw new Refusal('unknown', 'There is no such project.');
     return found;
   }
@@ -77,11 +94,15 @@ export class Dashboard extends EventEmitter {
     const project = this.project(path);
     const command = this.commandOf(project);
     if (!command) throw new Refusal('conflict', 'The project has no start command.');
-    await this.runner.start(project.path, command);
+    await this.runner.start(project, command);
   }
 
+  /** Fulfilled when the project has ended, or when it is still being waited for after as long as a client would wait. */
   async stopProject(path) {
-    await this.runner.stop(path);
+    const stopped = this.runner.stop(path);
+    const answer = new AbortController();
+    await Promise.race([stopped, wait(LONGEST_ANSWER, null, { signal: answer.signal }).catch(() => {})]);
+    answer.abort();
     await this.ports.look();
   }
 

@@ -5,12 +5,12 @@ const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'bas
 
 function describeRun(run) {
   if (!run) return null;
-  const { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid } = run;
-  return { startedAt, endedAt, stopping, ended, code, signal, hints, command, pid };
+  const { startedAt, endedAt, stopping, waitingFor, ended, code, signal, hints, command, pid } = run;
+  return { startedAt, endedAt, stopping, waitingFor, ended, code, signal, hints, command, pid };
 }
 
 function join(dashboard) {
-  const projects = dashboard.finder.projects();
+  const projects = dashboard.projects();
   const projectOf = projectLookup(projects);
   const containers = containersWithProjects(dashboard.services.value.docker.containers, projectOf);
   const ports = portsWithProjects(dashboard.ports.ports, { projectOf, groups: dashboard.runner.groups(), containers });
@@ -108,6 +108,7 @@ export function overviewOf(dashboard) {
         path: project.path,
         kind: project.kind,
         version: project.version ?? null,
+        isGone: project.isGone ?? false,
         manifests: project.manifests,
         problem: project.problem ?? null,
         needsInstall: project.needsInstall ?? false,

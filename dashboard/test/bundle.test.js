@@ -57,7 +57,7 @@ const browser = await findBrowser();
 test('the bundled page needs one request, and then only the API', { skip: browser.missing ?? false }, async (t) => {
   const home = await makeHome(t);
   await writeTree(home, { 'projects/shop/go.mod': 'module shop' });
-  const dashboard = await startDashboard(t, home, {}, join(await makeBundle(t), 'server.js'));
+  const dashboard = await startDashboard(t, home, {}, { script: join(await makeBundle(t), 'server.js') });
   const context = await openBrowser(t, browser);
   const asked = [];
   context.on('request', (request) => asked.push(new URL(request.url()).pathname));

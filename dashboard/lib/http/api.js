@@ -55,11 +55,33 @@ export function apiRoutes(dashboard) {
       },
     ],
     [
+      '/api/project/runs',
+      {
+        GET({ url, response }) {
+          const { path } = dashboard.project(url.searchParams.get('path'));
+          sendJson(response, { runs: dashboard.runner.history(path) });
+        },
+      },
+    ],
+    [
+      '/api/environment/refresh',
+      {
+        async POST({ response }) {
+          dashboard.environment.forget();
+          await dashboard.environment.get();
+          const { shell, problem } = dashboard.environment;
+          sendJson(response, { shell, problem });
+        },
+      },
+    ],
+    [
       '/api/project/log',
       {
         GET({ url, response }) {
           const { path } = dashboard.project(url.searchParams.get('path'));
-          streamLog(dashboard.runner, path, url.searchParams.get('follow') === '1', response);
+          const { searchParams } = url;
+          const startedAt = searchParams.has('run') ? Number(searchParams.get('run')) : undefined;
+          streamLog(dashboard.runner, { path, startedAt, follow: searchParams.get('follow') === '1' }, response);
         },
       },
     ],

@@ -9,12 +9,17 @@ export function streamEvents(dashboard, response) {
   response.on('close', () => dashboard.off('change', tell));
 }
 
-/** Sends the kept output of a project's last run and, with `follow`, what is added to it until that run ends. */
-export function streamLog(runner, path, follow, response) {
+/**
+ * Sends the kept output of a project's run, by the time of its start or else of its last one, and, with `follow`, what is
+ * added to it until that run ends.
+ */
+export function streamLog(runner, { path, startedAt, follow }, response) {
   response.writeHead(200, { 'Content-Type': 'text/plain; charset=utf-8', 'Cache-Control': 'no-store' });
-  const log = runner.run(path)?.log;
-  response.write(runner.logText(path));
-  if (!follow || !runner.isRunning(path)) {
+  const run = runner.run(path);
+  const log = run?.log;
+  response.write(runner.logText(path, startedAt));
+  const isLast = startedAt === undefined || startedAt === run?.startedAt;
+  if (!follow || !isLast || !runner.isRunning(path)) {
     response.end();
     return;
   }

@@ -35,12 +35,29 @@ export function parseStat(text) {
   return { state: fields[0], parent: Number(fields[1]), group: Number(fields[2]) };
 }
 
-/** Whether a process of the group lives. One that has ended and waits to be noticed by its parent does not. */
-export function groupLives(group) {
-  return readdirSync('/proc')
-    .filter((name) => /^\d+$/.test(name))
-    .map((name) => parseStat(readAtOnce(`/proc/${name}/stat`)))
-    .some((process) => process.group === group && !'ZX'.includes(process.state));
+/** The text of a process's stat file; empty when the process is gone. */
+function statOf(pid) {
+  try {
+    return readFileSync(`/proc/${pid}/stat`, 'latin1');
+  } catch (error) {
+    if (error.code === 'ENOENT' || error.code === 'ESRCH') return '';
+    throw error;
+  }
+}
+
+/**
+ * The processes of a group that live, each { pid, name }. One that has ended and waits to be noticed by its parent does
+ * not. Rejected when the system does not tell.
+ */
+export async function groupMembers(group) {
+  const members = [];
+  for (const pid of readdirSync('/proc').filter((name) => /^\d+$/.test(name))) {
+    const text = statOf(pid);
+    const stat = parseStat(text);
+    const name = text.slice(text.indexOf('(') + 1, text.lastIndexOf(')'));
+    if (stat.group === group && !'ZX'.includes(stat.state)) members.push({ pid: Number(pid), name });
+  }
+  return members;
 }
 
 async function describe(pid) {

@@ -1,6 +1,8 @@
-import { spawn } from 'node:child_process';
+import { execFile, spawn } from 'node:child_process';
+import { once } from 'node:events';
+import { promisify } from 'node:util';
 import { isAlive } from './is-alive.js';
-import { groupLives } from './proc.js';
+import { groupMembers } from './proc.js';
 
 const LOOK_INTERVAL = 50;
 
@@ -14,58 +16,71 @@ const GUARD = `
 trap '' TERM INT HUP
 read -r released && exit
 kill -TERM "-$1" 2>/dev/null
-sleep 3
+left=$2
+while [ "$left" -gt 0 ] && kill -0 "-$1" 2>/dev/null; do
+  sleep 1
+  left=$((left - 1))
+done
 kill -KILL "-$1" 2>/dev/null
 `;
 
-/** A desktop session on macOS has a bare search path; the login shell knows where the user's tools are. */
-function userShell(command) {
-  const shell = process.env.SHELL ?? '';
-  if (process.platform === 'darwin' && /\/(zsh|bash|fish)$/.test(shell)) return [shell, '-l', '-c', command];
-  return ['/bin/sh', '-c', command];
+/** Starts a program; rejected, and with nothing left behind, when the system does not grant one. */
+async function spawned(file, parameters, options) {
+  const child = spawn(file, parameters, { detached: true, ...options });
+  // Without free descriptors there is no stream at all.
+  for (const stream of child.stdio ?? []) stream?.on('error', () => {});
+  await once(child, 'spawn');
+  child.on('error', () => {});
+  return child;
 }
 
-function environmentForProjects() {
-  const kept = Object.entries(process.env).filter(([name]) => !name.startsWith('HARBROOK_'));
-  return Object.fromEntries(kept);
-}
-
-function startLeader(command, folder) {
-  const leader = spawn('/bin/sh', ['-c', LEADER, 'sh', ...userShell(command)], {
-    cwd: folder,
-    detached: true,
-    env: environmentForProjects(),
-    stdio: ['ignore', 'pipe', 'pipe', 'pipe'],
-  });
-  leader.stdio[3]?.on('error', () => {});
-  return leader;
-}
-
-function startGuard(group) {
-  const guard = spawn('/bin/sh', ['-c', GUARD, 'sh', String(group)], {
-    cwd: '/',
-    detached: true,
-    stdio: ['pipe', 'ignore', 'ignore'],
-  });
-  guard.on('error', () => {});
-  guard.stdin?.on('error', () => {});
-  return guard;
+/** The processes of a group that live, each { pid, name }. */
+async function membersOf(group) {
+  if (process.platform === 'linux') return groupMembers(group);
+  const { stdout } = await promisify(execFile)('/bin/ps', ['-A', '-o', 'pid=,pgid=,stat=,comm=']);
+  const lines = stdout.split('\n').map((line) => /^\s*(\d+)\s+(\d+)\s+(\S+)\s+(.*)$/.exec(line));
+  return lines
+    .filter((line) => line && Number(line[2]) === group && !line[3].startsWith('Z'))
+    .map(([, pid, , , name]) => ({ pid: Number(pid), name: name.slice(name.lastIndexOf('/') + 1) }));
 }
 
 /** A command and all that it starts, in a process group of its own that does not outlive this process. */
 export class ProcessGroup {
-  #guard = null;
+  #guard;
 
   /** The process that runs the command; its standard output and standard error are pipes. */
   leader;
 
-  /** Starts `command` in `folder`. Without a `pid` it could not be started, and `leader` will emit "error". */
-  constructor(command, folder) {
-    this.leader = startLeader(command, folder);
-    if (this.pid === undefined) return;
-    this.#guard = startGuard(this.pid);
-    if (this.#guard.pid !== undefined) this.leader.stdio[3].write('begin\n');
-    this.leader.stdio[3].end();
+  constructor(leader, guard) {
+    this.leader = leader;
+    this.#guard = guard;
+  }
+
+  /**
+   * Starts `command` in `folder`. When the dashboard ends without ending it, it has `patience` seconds to end by itself.
+   * Rejected with the system's error when it cannot be started.
+   */
+  static async start(command, { folder, environment, patience }) {
+    const leader = await spawned('/bin/sh', ['-c', LEADER, 'sh', '/bin/sh', '-c', command], {
+      cwd: folder,
+      env: environment,
+      stdio: ['ignore', 'pipe', 'pipe', 'pipe'],
+    });
+    try {
+      const guard = await spawned('/bin/sh', ['-c', GUARD, 'sh', String(leader.pid), String(patience)], {
+        cwd: '/',
+        stdio: ['pipe', 'ignore', 'ignore'],
+      });
+      return new ProcessGroup(leader, guard);
+    } catch (error) {
+      leader.kill('SIGKILL');
+      throw error;
+    }
+  }
+
+  /** Lets the command begin. */
+  begin() {
+    this.leader.stdio[3].end('begin\n');
   }
 
   get pid() {
@@ -80,17 +95,26 @@ export class ProcessGroup {
     }
   }
 
-  #lives() {
-    // In a container nobody may be there to notice the end of orphans, so that they stay listed.
-    return isAlive(-this.pid) && (process.platform !== 'linux' || groupLives(this.pid));
+  /** The processes of it that live, each { pid, name }; none when the system does not tell. */
+  members() {
+    return membersOf(this.pid).catch(() => []);
   }
 
-  /** Fulfilled with whether nothing of the group is left, at the latest after `patience` milliseconds. */
-  async isGone(patience) {
-    const latest = performance.now() + patience;
+  async #lives() {
+    if (!isAlive(-this.pid)) return false;
+    // In a container nobody may be there to notice the end of orphans, so that they stay listed.
+    if (process.platform !== 'linux') return true;
+    return groupMembers(this.pid).then(
+      (members) => members.length > 0,
+      () => true, // Not to be known, without free descriptors for example.
+    );
+  }
+
+  /** Fulfilled with whether nothing of the group is left, as soon as that is so or `gaveUp()` says to wait no longer. */
+  async isGone(gaveUp) {
     // A group tells nobody of its end.
-    while (this.#lives()) {
-      if (performance.now() > latest) return false;
+    while (await this.#lives()) {
+      if (gaveUp()) return false;
       await new Promise((resolve) => setTimeout(resolve, LOOK_INTERVAL));
     }
     return true;
@@ -98,6 +122,6 @@ export class ProcessGroup {
 
   /** Lets the guard go: the group's number may be another's from now on. */
   release() {
-    this.#guard?.stdin?.end('released\n');
+    this.#guard.stdin.end('released\n');
   }
 }

@@ -1,18 +1,7 @@
-import { createHash } from 'node:crypto';
-import { createWriteStream, mkdirSync, openSync, closeSync, fstatSync, readSync, renameSync } from 'node:fs';
-import { basename, join } from 'node:path';
+import { createWriteStream, openSync, closeSync, fstatSync, readSync, renameSync } from 'node:fs';
 
-const KEPT_IN_FILE = 4 * 1024 * 1024;
+export const KEPT_IN_FILE = 2 * 1024 * 1024;
 const KEPT_IN_MEMORY = 256 * 1024;
-
-/** The log file of a project: readable by its folder's name, unique by its path. */
-export function logFileFor(directory, projectPath) {
-  const name =
-    basename(projectPath)
-      .replace(/[^\w.-]+/g, '_')
-      .slice(0, 60) || 'project';
-  return join(directory, `${name}-${createHash('sha256').update(projectPath).digest('hex').slice(0, 10)}.log`);
-}
 
 /** The end of a log file as text, from the start of a line; empty when there is none. */
 export function readLogEnd(file, length = KEPT_IN_MEMORY) {
@@ -51,11 +40,6 @@ export class RunLog {
   }
 
   #open() {
-    try {
-      mkdirSync(join(this.#file, '..'), { recursive: true, mode: 0o700 });
-    } catch {
-      // Then opening fails too, and the stream's error is handled there.
-    }
     const stream = createWriteStream(this.#file, { flags: 'w', mode: 0o600 });
     stream.on('error', () => {
       if (this.#stream === stream) this.#stream = null;
@@ -67,9 +51,11 @@ export class RunLog {
   /** Takes a chunk of output. When it answers with a stream, no more should be sent until that one has drained. */
   append(chunk) {
     const bytes = typeof chunk === 'string' ? Buffer.from(chunk) : chunk;
-    this.#chunks.push(bytes);
+    this.#chunks.push({ bytes, at: performance.now() });
     this.#length += bytes.length;
-    while (this.#length - this.#chunks[0].length > KEPT_IN_MEMORY) this.#length -= this.#chunks.shift().length;
+    while (this.#length - this.#chunks[0].bytes.length > KEPT_IN_MEMORY) {
+      this.#length -= this.#chunks.shift().bytes.length;
+    }
     for (const follower of this.#followers) follower(bytes);
     if (!this.#stream) return null;
     if (this.#written > KEPT_IN_FILE) this.#turnOver();
@@ -87,8 +73,10 @@ export class RunLog {
     this.#open();
   }
 
-  text() {
-    return Buffer.concat(this.#chunks).toString('utf8');
+  /** What is kept in memory, all of it or what came in the last `milliseconds`. */
+  text(milliseconds = Infinity) {
+    const earliest = performance.now() - milliseconds;
+    return Buffer.concat(this.#chunks.filter(({ at }) => at >= earliest).map(({ bytes }) => bytes)).toString('utf8');
   }
 
   /** Calls `onChunk(bytes)` for all further output until the returned function is called. */

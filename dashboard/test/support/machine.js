@@ -27,14 +27,18 @@ export async function makeHome(t) {
 }
 
 /**
- * Runs the dashboard with `home` and its standard input held open. Fulfilled once it has announced its port, with
- * `port`, `child`, `output()` and the requests `get` and `post`, which carry what an honest client carries.
+ * Runs the dashboard with `home` and its standard input held open, at will with a limit of open `descriptors` or by
+ * another `script`. Fulfilled once it has announced its port, with `port`, `child`, `output()` and the requests `get`
+ * and `post`, which carry what an honest client carries.
  */
-export async function startDashboard(t, home, environment = {}, script = source) {
-  const child = spawn(process.execPath, [script], {
+export async function startDashboard(t, home, environment = {}, { descriptors, script = source } = {}) {
+  const limit = descriptors ? ['/bin/sh', '-c', `ulimit -n ${descriptors} && exec "$@"`, 'sh'] : [];
+  const [program, ...parameters] = [...limit, process.execPath, script];
+  const child = spawn(program, parameters, {
     env: {
       ...process.env,
       HOME: home,
+      SHELL: '/bin/sh',
       HARBROOK_PORT: '0',
       HARBROOK_TOKEN: TOKEN,
       DOCKER_HOST: `unix://${home}/none.sock`,
