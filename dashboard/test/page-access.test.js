@@ -187,6 +187,32 @@ await describePage('everybody can use the page', (sample) => {
     }
   });
 
+  test('a narrow window still says which project failed', async (test) => {
+    const { address } = await furnish(test);
+    const page = await sample.open(test, '#/', { address });
+    await page.setViewportSize({ width: 780, height: 700 });
+    for (const words of ['Ended with code 1', 'Broken manifest']) await page.getByText(words, { exact: true }).waitFor();
+    assert.equal(await page.evaluate(() => document.getElementById('page').scrollWidth), await page.evaluate(() => document.getElementById('page').clientWidth));
+  });
+
+  test('the chosen segment stands out from its ground, light and dark', async (test) => {
+    const page = await sample.open(test);
+    const chosen = page.getByRole('button', { name: 'All', exact: true });
+    for (const [colorScheme, least] of [['light', 1.1], ['dark', 1.5]]) {
+      await page.emulateMedia({ colorScheme });
+      const [front, back] = await chosen.evaluate((button) => {
+        // Relative luminance, as the accessibility guidelines reckon it.
+        const luminance = (element) => {
+          const parts = getComputedStyle(element).backgroundColor.match(/[\d.]+/g).slice(0, 3).map((part) => part / 255);
+          const [red, green, blue] = parts.map((part) => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
+          return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
+        };
+        return [luminance(button), luminance(button.parentElement)];
+      });
+      assert.ok((front + 0.05) / (back + 0.05) > least, `${colorScheme}: ${((front + 0.05) / (back + 0.05)).toFixed(2)}`);
+    }
+  });
+
   test('a published port is shown with its container and its project', async (test) => {
     const { address, port, views } = await furnish(test);
     const page = await sample.open(test, '#/ports', { address });

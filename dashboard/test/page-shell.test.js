@@ -65,23 +65,27 @@ await describePage('the page and the shell', (sample) => {
     assert.ok((await left()) < 40);
   });
 
-  test('the update dialog opens, keeps the keyboard, closes, and may be removed by the shell', async (test) => {
+  test('a dialog opens, lets nothing behind it have the keyboard, closes, and may be removed by the shell', async (test) => {
     const page = await sample.open(test, '#/about');
     await ready(page);
     const dialog = page.getByRole('dialog', { name: 'Updates' });
-    for (const close of [
-      () => page.keyboard.press('Escape'),
-      () => page.getByRole('button', { name: 'Done' }).click(),
-      () => page.evaluate(() => document.querySelectorAll('.modal-bg').forEach((x) => x.remove())),
-    ]) {
-      await page.evaluate(() => {
-        window.openUpdate();
-      });
+    const behind = () => dialog.evaluate((element) => {
+      const { activeElement } = document;
+      return activeElement !== document.body && !element.contains(activeElement);
+    });
+    const backdrop = () => page.mouse.click(5, 5);
+    const removal = () => page.evaluate(() => document.querySelectorAll('.modal-bg').forEach((x) => x.remove()));
+    const escape = () => page.keyboard.press('Escape');
+    for (const close of [escape, () => page.getByRole('button', { name: 'Done' }).click(), backdrop, removal]) {
+      await page.evaluate(() => { window.openUpdate(); });
       await dialog.waitFor();
-      for (let step = 0; step < 4; step += 1) {
-        await page.keyboard.press('Tab');
-        assert.equal(await dialog.evaluate((element) => element.contains(document.activeElement)), true);
+      assert.equal(await page.evaluate(() => document.activeElement.textContent), 'Done');
+      await dialog.getByText('comes with the application').click();
+      for (const key of ['Tab', 'Shift+Tab', '/', 'Tab', 'Tab', 'Tab', 'Tab']) {
+        await page.keyboard.press(key);
+        assert.equal(await behind(), false, key);
       }
+      await dialog.getByText('comes with the application').click();
       await close();
       await dialog.waitFor({ state: 'detached' });
     }

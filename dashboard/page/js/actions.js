@@ -2,7 +2,7 @@ import { post } from './api.js';
 import { openModal, say } from './overlays.js';
 import { isNative, pickFolder, stateChanged } from './shell.js';
 import { refresh, store, update } from './store.js';
-import { h } from './dom.js';
+import { h } from 'preact';
 
 /** The projects with a request under way, so that their buttons wait. */
 export const busy = new Set();
@@ -89,7 +89,7 @@ export function askForFolder() {
     },
   },
   h('label', { class: 'field' }, h('span', null, 'Folder that contains your projects'),
-    h('input', { name: 'path', class: 'input mono', placeholder: `${store.overview.home}/work`, autofocus: true, required: true, spellcheck: 'false' })),
+    h('input', { name: 'path', class: 'input mono', placeholder: `${store.overview.home}/work`, autofocus: true, required: true, spellcheck: false })),
   h('div', { class: 'actions' },
     h('button', { class: 'button', type: 'button', onClick: close }, 'Cancel'),
     h('button', { class: 'button primary', type: 'submit' }, 'Add folder'))));
@@ -104,7 +104,7 @@ window.openUpdate = () => {
     h('p', null, store.about ? `This is version ${store.about.version} of the Harbrook dashboard.` : 'This is the Harbrook dashboard.'),
     h('p', { class: 'soft' }, 'It comes with the application and is updated together with it. It makes no connection beyond this machine, '
       + 'so it does not look for a newer version by itself.'),
-    h('div', { class: 'actions' }, h('button', { class: 'button primary', type: 'button', onClick: close }, 'Done'))));
+    h('div', { class: 'actions' }, h('button', { class: 'button primary', type: 'button', autofocus: true, onClick: close }, 'Done'))));
 };
 
 /** Copies text; the user is told either way. */

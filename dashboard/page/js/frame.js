@@ -1,4 +1,4 @@
-import { h } from './dom.js';
+import { h } from 'preact';
 import { icon } from './icons.js';
 import { hashOfProject } from './route.js';
 import { actAsTitleBar } from './shell.js';
@@ -30,7 +30,7 @@ function toggleSidebar() {
 function search(route) {
   return h('label', { class: 'search' }, icon('search', 14),
     h('input', {
-      id: 'search', type: 'search', placeholder: 'Search projects', 'aria-label': 'Search projects', autocomplete: 'off', spellcheck: 'false',
+      id: 'search', type: 'search', placeholder: 'Search projects', 'aria-label': 'Search projects', autocomplete: 'off', spellcheck: false,
       value: store.search,
       onInput(event) {
         if (route.view !== 'home') location.hash = '#/';
@@ -53,7 +53,7 @@ function search(route) {
 }
 
 export function header(route) {
-  return h('header', { class: 'bar', key: 'bar', mount: actAsTitleBar },
+  return h('header', { class: 'bar', ref: actAsTitleBar },
     h('button', {
       id: 'toggleSide', class: 'button quiet square', type: 'button', 'aria-label': 'Sidebar', 'aria-controls': 'side',
       'aria-expanded': String(frame.sidebarShown), title: 'Show or hide the sidebar', onClick: toggleSidebar,

@@ -1,4 +1,4 @@
-import { h } from './dom.js';
+import { h } from 'preact';
 
 const PATHS = {
   sidebar: 'M2.5 3.5h11v9h-11zM6.5 3.5v9',

@@ -1,10 +1,10 @@
+import { Component, createRef, h } from 'preact';
 import { stream } from './api.js';
-import { h } from './dom.js';
 import { plainOutput } from './text.js';
 
 const KEPT = 400_000;
 
-/** Shows the output of a project's last run in `element`, and follows it while it runs and the element is shown. */
+/** Shows the output of a project's last run in `element`, and follows it until the returned function is called. */
 function follow(element, path) {
   const ended = new AbortController();
   let content = '';
@@ -29,9 +29,28 @@ function follow(element, path) {
   return () => ended.abort();
 }
 
+/** Writes its own text, which the views never touch. */
+class Log extends Component {
+  element = createRef();
+
+  shouldComponentUpdate() {
+    return false;
+  }
+
+  componentDidMount() {
+    this.unfollow = follow(this.element.current, this.props.path);
+  }
+
+  componentWillUnmount() {
+    this.unfollow();
+  }
+
+  render() {
+    return h('pre', { ref: this.element, class: 'log', role: 'log', 'aria-live': 'off', tabindex: '0', 'aria-label': 'Output' });
+  }
+}
+
 /** The output of a project; `run` tells one run from the next. */
 export function logView(path, run) {
-  return h('pre', {
-    class: 'log', key: `log ${path} ${run?.startedAt ?? ''}`, role: 'log', 'aria-live': 'off', tabindex: '0', 'aria-label': 'Output', mount: (element) => follow(element, path),
-  });
+  return h(Log, { key: `log ${path} ${run?.startedAt ?? ''}`, path });
 }

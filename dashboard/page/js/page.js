@@ -1,6 +1,6 @@
 import './actions.js';
 import { get } from './api.js';
-import { h, render } from './dom.js';
+import { h, render } from 'preact';
 import { header, sidebar } from './frame.js';
 import { say } from './overlays.js';
 import { empty, spinner } from './parts.js';
@@ -47,11 +47,15 @@ function draw() {
     document.title = title === '' ? 'Harbrook' : `${title} – Harbrook`;
     setWindowTitle(title === '' ? '' : document.title);
   }
-  const key = `${route.view} ${route.path ?? ''}`;
-  render(document.getElementById('app'),
-    header(route),
-    h('div', { class: 'body', key: 'body' }, sidebar(route),
-      h('main', { id: 'page', class: 'page', key: 'page', tabindex: '-1' }, h('div', { class: `view view-${route.view}`, key }, content()))));
+  const view = h('div', { class: `view view-${route.view}`, key: `${route.view} ${route.path ?? ''}` }, content());
+  render(
+    [
+      header(route),
+      h('div', { class: 'body' }, sidebar(route),
+        h('main', { id: 'page', class: 'page', key: 'page', tabindex: '-1' }, view)),
+    ],
+    document.getElementById('app'),
+  );
 }
 
 /** Tells of projects that ended by themselves since the overview before. */

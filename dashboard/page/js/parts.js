@@ -1,5 +1,5 @@
 import { busy, copyText, startProject, stopProject } from './actions.js';
-import { h } from './dom.js';
+import { h } from 'preact';
 import { icon } from './icons.js';
 import { shortPath } from './text.js';
 

@@ -18,6 +18,7 @@ const CONTROLS = 'a, button, input, select, textarea, label, [role="button"], [t
 
 /** Makes `element` move the window when it is dragged and zoom it on a double click, but not its controls. */
 export function actAsTitleBar(element) {
+  if (!element) return;
   const isControl = (event) => event.target instanceof Element && event.target.closest(CONTROLS) !== null;
   element.addEventListener('mousedown', (event) => {
     if (event.button === 0 && event.detail < 2 && !isControl(event)) post('drag');

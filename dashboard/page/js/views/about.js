@@ -1,4 +1,4 @@
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { pageHead, section } from '../parts.js';
 import { isNative } from '../shell.js';
 import { store } from '../store.js';

@@ -1,4 +1,4 @@
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { containerStatus, empty, pageHead, portLink, section, spinner } from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { amount, count } from '../text.js';

@@ -1,5 +1,5 @@
 import { askForFolder } from '../actions.js';
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { empty, glyph, pageHead, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { store, update } from '../store.js';

@@ -1,4 +1,4 @@
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { empty, pageHead, portLink, section } from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { count } from '../text.js';

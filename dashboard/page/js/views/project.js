@@ -1,5 +1,5 @@
 import { chosen, saveProject } from '../actions.js';
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { icon } from '../icons.js';
 import { logView } from '../log-view.js';
 import { containerStatus, copyable, empty, glyph, pathText, portLink, runButton, section, spinner, status } from '../parts.js';
@@ -14,24 +14,29 @@ function notices(project) {
     && h('ul', { class: 'notices', key: 'notices' }, troubles.map(line('bad')), advice.map(line('mild')));
 }
 
+/** What is typed there stays, whatever arrives meanwhile, until it is saved. */
 function commandForm({ path, ownCommand, foundCommand }) {
+  const save = async (form, command, saved) => {
+    if (await saveProject(path, { command }, saved)) form.reset();
+  };
   return h('form', {
     class: 'stack', key: `command ${path}`,
-    async onSubmit(event) {
+    onSubmit(event) {
       event.preventDefault();
-      const typed = event.target.elements.command.value.trim();
-      await saveProject(path, { command: typed === '' || typed === foundCommand ? null : typed }, 'Start command saved.');
+      const form = event.currentTarget;
+      const typed = form.elements.command.value.trim();
+      save(form, typed === '' || typed === foundCommand ? null : typed, 'Start command saved.');
     },
   },
   h('div', { class: 'input-row' },
     h('input', {
-      name: 'command', class: 'input mono', 'aria-label': 'Start command', spellcheck: 'false', autocomplete: 'off',
-      placeholder: 'npm run dev', value: ownCommand ?? foundCommand ?? '',
+      name: 'command', class: 'input mono', 'aria-label': 'Start command', spellcheck: false, autocomplete: 'off',
+      placeholder: 'npm run dev', defaultValue: ownCommand ?? foundCommand ?? '',
     }),
     h('button', { class: 'button', type: 'submit' }, 'Save')),
   h('p', { class: 'hint' }, ownCommand
     ? ['Typed by you. ', foundCommand && h('button', {
-      class: 'link', type: 'button', onClick: () => saveProject(path, { command: null }, 'Back to the project’s own command.'),
+      class: 'link', type: 'button', onClick: (event) => save(event.currentTarget.form, null, 'Back to the project’s own command.'),
     }, `Use “${foundCommand}” instead`)]
     : foundCommand ? 'Read from the project’s manifest. Type another one to replace it.' : 'The manifest names none. Type the command that starts the project.'));
 }

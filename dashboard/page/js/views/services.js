@@ -1,4 +1,4 @@
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { icon } from '../icons.js';
 import { copyable, pageHead, pathText, spinner } from '../parts.js';
 import { amount, count, listed } from '../text.js';

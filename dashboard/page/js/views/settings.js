@@ -1,5 +1,5 @@
 import { askForFolder, saveFolders } from '../actions.js';
-import { h } from '../dom.js';
+import { h } from 'preact';
 import { icon } from '../icons.js';
 import { copyable, pageHead, pathText, section } from '../parts.js';
 import { store } from '../store.js';
