@@ -24,6 +24,16 @@ class Process:
         return _read(self.pid, "cmdline").decode(errors="replace").replace("\0", " ").strip()
 
     @property
+    def environment(self):
+        """What it was started with, unless it is gone or another's."""
+        entries = _read(self.pid, "environ").decode(errors="replace").split("\0")
+        return dict(entry.split("=", 1) for entry in entries if "=" in entry)
+
+    def namespace(self, kind):
+        """Which one it is in: two processes that share it give the same answer."""
+        return os.readlink(f"/proc/{self.pid}/ns/{kind}")
+
+    @property
     def descriptors(self):
         """What each open descriptor leads to."""
         folder = Path(f"/proc/{self.pid}/fd")

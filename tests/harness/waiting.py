@@ -1,10 +1,11 @@
 """Waiting for something that announces itself to nobody: a window, a file, a process that ends."""
 
+import os
 import time
 
 # A test that waits in vain fails after this many seconds. Generous: a loaded machine is slow, and a
 # wait that is met ends at once.
-PATIENCE = 20.0
+PATIENCE = float(os.environ.get("HARBROOK_PATIENCE", 20.0))
 
 
 class NeverHappened(AssertionError):

@@ -2,8 +2,11 @@
 
 import subprocess
 import time
+from pathlib import Path
 
 import pytest
+
+from harness import processes
 
 NEVER_ANSWERS = "/bin/sleep 600"
 
@@ -54,18 +57,41 @@ def sandbox_is_possible():
     return subprocess.run(trial, stderr=subprocess.DEVNULL).returncode == 0
 
 
+def root_of(process):
+    """The files as that process sees them."""
+    return Path(f"/proc/{process.pid}/root")
+
+
+def renderers(shell):
+    """The processes that run what pages bring along."""
+    return [one for one in shell.web_processes() if one.name.startswith("WebKitWeb")]
+
+
+def is_in_sandbox(process, shell):
+    """Whether it has files, network and processes of its own, and of the user's files only what it was given."""
+    apart = ["mnt", "net", "pid"]
+    if any(process.namespace(kind) == processes.process(shell.pid).namespace(kind) for kind in apart):
+        return False
+    return not (root_of(process) / str(shell.home).lstrip("/") / "secret").exists()
+
+
 @pytest.mark.skipif(not sandbox_is_possible(), reason="nothing can be put in a sandbox here, as in most containers")
-def test_the_page_runs_in_the_sandbox(running):
-    assert any(one.name == "bwrap" for one in running.processes())
+def test_the_page_runs_in_the_sandbox(shell):
+    (shell.home / "secret").touch()
+    shell.start()
+    shell.server.wait_for_page()
+    assert renderers(shell)
+    assert all(is_in_sandbox(one, shell) for one in renderers(shell))
 
 
-def test_where_namespaces_are_refused_it_runs_without_the_sandbox(make_shell):
-    shell = make_shell()
+def test_where_namespaces_are_refused_it_runs_without_the_sandbox(shell):
+    (shell.home / "secret").touch()
     # In a namespace of its own that allows no further one, and without the power to do without.
     refusing = "echo 0 >/proc/sys/user/max_user_namespaces && exec setpriv --bounding-set -all --inh-caps -all \"$@\""
     shell.start(through=["unshare", "--user", "--map-root-user", "sh", "-c", refusing, "sh"])
     shell.server.wait_for_page()
-    assert not any(one.name == "bwrap" for one in shell.processes())
+    assert renderers(shell)
+    assert not any(is_in_sandbox(one, shell) for one in renderers(shell))
     shell.quit()
     shell.wait_until_ended()
 
