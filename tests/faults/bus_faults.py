@@ -24,7 +24,7 @@ def bus_lost(trial):
     for _ in trial.rounds():
         shell, server, _ = in_panel(trial, trial.shell(polled_plan(), trial.desktop()))
         polls = Polls(server)
-        with trial.answering(shell):
+        with trial.keeping(shell), trial.answering(shell):
             shell.desktop.end_bus()
             refresh(server)
             polls.times(1)
@@ -106,9 +106,9 @@ def malformed(rows):
     )
 
 
-# The allocator of each thread keeps room for the largest calls that it has met, and for the most that it had at a time.
-# Were the calls themselves kept, that would be five thousand KiB a round of those below.
-ROOM_FOR_CALLS = 40_000
+# The allocator of each thread keeps room for the largest calls that it has met, and for the most that it had at a time
+# (KiB). Were the calls themselves kept, that would be five thousand a round of those below.
+ROOM_FOR_CALLS = 12 * 1024
 
 
 @fault("malformed calls of the menu", quick=1, whole=50)

@@ -9,6 +9,9 @@ from harness.waiting import stays, wait_until
 
 BLOCK = 1 << 20
 
+# How many bytes a line has of those that are numbered.
+NUMBERED_LINE = 64
+
 NOT_REACHABLE = "(Server not reachable)"
 
 ESTABLISHED = "01"
@@ -17,33 +20,44 @@ ESTABLISHED = "01"
 RESTING = 0.5
 
 
-def expect_log_is(trial, shell, whole):
+def expect_log_is(trial, log, whole):
     """The log holds exactly these bytes, perhaps in a moment."""
     try:
-        wait_until("it is logged", lambda: shell.log.exists() and shell.log.stat().st_size >= len(whole))
-        logged = shell.log.read_bytes()
+        wait_until("it is logged", lambda: log.exists() and log.stat().st_size >= len(whole))
+        logged = log.read_bytes()
     except AssertionError:
-        logged = shell.log.read_bytes() if shell.log.exists() else b""
-    _count_lost(trial, whole.count(b"\n") - logged.count(b"\n"))
+        logged = log.read_bytes() if log.exists() else b""
+    trial.count_lost(whole.count(b"\n") - logged.count(b"\n"))
     trial.expect(logged == whole, f"the log has {len(logged)} bytes and is not what was printed ({len(whole)} bytes)")
 
 
-def expect_log_digest(trial, shell, size, digest, lines, skip=0):
+def expect_log_digest(trial, log, size, digest, lines, skip=0):
     """The log holds, after so many bytes to skip, that many bytes with that digest."""
-    wait_until("it is logged", lambda: shell.log.stat().st_size >= skip + size, within=120)
+    try:
+        wait_until("it is logged", lambda: log.stat().st_size >= skip + size, within=120)
+    except AssertionError as short:
+        trial.expect(False, str(short))
     found, counted = hashlib.sha256(), 0
-    with shell.log.open("rb") as log:
-        log.seek(skip)
-        while block := log.read(BLOCK):
+    with log.open("rb") as file:
+        file.seek(skip)
+        while block := file.read(BLOCK):
             found.update(block)
             counted += block.count(b"\n")
-    _count_lost(trial, lines - counted)
+    trial.count_lost(lines - counted)
     trial.expect(found.hexdigest() == digest, "the log is not what was printed")
 
 
-def _count_lost(trial, lost):
-    trial.counts.lines_lost = (trial.counts.lines_lost or 0) + max(0, lost)
-    trial.expect(lost <= 0, f"{lost} lines are not in the log")
+def flood_numbered(trial, server, size, log=None, kept=None):
+    """The server prints lines that differ all, and the log (if there is one) holds them and the announcement."""
+    server.do({"do": "flood-numbered", "size": size})
+    flooded = server.wait_for("flooded", within=120)
+    if kept:
+        kept.text += flooded["size"]
+    if log is None:
+        trial.counts.no_log = True
+        return
+    announced = len(f"HARBROOK_PORT {server.port}\n")
+    expect_log_digest(trial, log, flooded["size"], flooded["digest"], flooded["size"] // NUMBERED_LINE, skip=announced)
 
 
 def expect_resting(trial, shell, seconds=1.0):

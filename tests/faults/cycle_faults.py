@@ -11,7 +11,7 @@ from harness.waiting import wait_until
 
 from checks import expect_log_is
 from leftovers import files, new_files, temporary_folder
-from matrix import fault
+from matrix import ENDS, PICTURES, STARTS, fault
 
 # The same moments each time; another number gives others.
 SEED = int(os.environ.get("HARBROOK_FAULT_SEED", "1"))
@@ -53,14 +53,14 @@ class Cycles:
         server.wait_for("done", lambda event: event["step"] == "last-words")
         self.trial.quit(self.shell)
         log = f"{FIRST_WORDS}HARBROOK_PORT {server.port}\n{LAST_WORDS}"
-        expect_log_is(self.trial, self.shell, log.encode())
+        expect_log_is(self.trial, self.shell.log, log.encode())
 
     def expect_no_more_files(self, allowed=0):
         more, names = new_files(self.shell, self._before)
         self.trial.expect(more <= allowed, f"{more} files more than at the beginning: {names}")
 
 
-@fault("start and quit", quick=10, whole=1000)
+@fault("start and quit", quick=10, whole=1000, unmeasured=ENDS)
 def start_and_quit(trial):
     cycles = Cycles(trial)
     for _ in trial.rounds():
@@ -68,7 +68,7 @@ def start_and_quit(trial):
     cycles.expect_no_more_files()
 
 
-@fault("start and SIGKILL at a random moment", quick=8, whole=200)
+@fault("start and SIGKILL at a random moment", quick=8, whole=200, unmeasured=ENDS)
 def start_and_kill(trial):
     moments = random.Random(SEED)
     cycles = Cycles(trial)
@@ -82,7 +82,7 @@ def start_and_kill(trial):
     cycles.expect_no_more_files(allowed=FOR_ONE_ADDRESS)
 
 
-@fault("start and quit at a random moment", quick=8, whole=200)
+@fault("start and quit at a random moment", quick=8, whole=200, unmeasured=ENDS)
 def quit_while_launching(trial):
     moments = random.Random(SEED)
     cycles = Cycles(trial)
@@ -106,21 +106,28 @@ def second_start(trial):
     shell = trial.shell()
     server = trial.start(shell)
     server.wait_for_page()
-    for number in trial.rounds():
-        # In turn behind another window's back and hidden.
-        if number % 2:
-            shell.window().close()
-            shell.wait_until_hidden()
-        second = shell.start()
-        trial.expect(second.wait(20) == 0, f"the second start ended with {second.returncode}")
-        shell.programs.remove(second)
-        window = shell.window()
-        wait_until("the window is active", lambda: shell.desktop.screen.active_window() == window.number)
+    shell.wait_until_drawn()
+    start_again(trial, shell, hidden=True)
+    with trial.keeping(shell, PICTURES), trial.answering(shell):
+        for number in trial.rounds():
+            # In turn behind another window's back and hidden.
+            start_again(trial, shell, hidden=number % 2)
     trial.expect(len(shell.switchboard.servers) == 1, "it has started a second server")
     trial.quit(shell)
 
 
-@fault("two starts at the same moment", quick=3, whole=100)
+def start_again(trial, shell, hidden):
+    if hidden:
+        shell.window().close()
+        shell.wait_until_hidden()
+    second = shell.start()
+    trial.expect(second.wait(20) == 0, f"the second start ended with {second.returncode}")
+    shell.programs.remove(second)
+    window = shell.window()
+    wait_until("the window is active", lambda: shell.desktop.screen.active_window() == window.number)
+
+
+@fault("two starts at the same moment", quick=3, whole=100, unmeasured=STARTS)
 def two_starts(trial):
     shell = trial.shell()
     for _ in trial.rounds():

@@ -9,16 +9,12 @@ from harness.server import Plan
 from harness.waiting import wait_until
 
 from clock import Clock
-from matrix import fault
+from matrix import PICTURES, fault
 from polls import STATE, Polls, in_panel, refresh, snapshot
 
 # The engine's library prepares a new process and its sandbox on the thread that asks: 10 to 70 ms on two processors,
 # and longer where these are busy.
 ENGINE_START = 0.25
-# Where it draws without a graphics device, the engine holds one to three pictures of the page in the program's memory
-# (KiB), which come and go with its process.
-PICTURES = 3 * 1320 * 860 * 4 // 1024
-
 WEB = "WebKitWebProces"
 NETWORK = "WebKitNetworkPr"
 
@@ -135,8 +131,8 @@ def page_hangs(trial):
     for number in trial.rounds():
         shell, server, panel = in_panel(trial)
         polls = Polls(server)
-        server.run("for (;;);")
-        with trial.answering(shell):
+        with trial.keeping(shell, PICTURES), trial.answering(shell):
+            server.run("for (;;);")
             server.answer(STATE, **snapshot(number + 1))
             polls.times(1)
             panel.wait_for_count(number + 1)

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Takes the program's place in the tests of the runner, and has the weakness that its arguments name.
 
-It ends at SIGTERM. At SIGUSR1 it does once what is to be noticed as a leak.
+It ends at SIGTERM. At SIGUSR1 it does once what is to be noticed as a leak; at SIGUSR2 it gives all of that back.
 """
 
 import mmap
@@ -17,6 +17,8 @@ from Xlib import X, Xatom
 from Xlib.display import Display
 from Xlib.protocol import event
 
+SIGNALS = {signal.SIGTERM, signal.SIGUSR1, signal.SIGUSR2}
+
 leaked = []
 
 
@@ -24,9 +26,25 @@ def leak(kind):
     if kind == "descriptors":
         leaked.append(open("/dev/null"))
     if kind == "threads":
-        threading.Thread(target=threading.Event().wait, daemon=True).start()
+        leaked.append(event := threading.Event())
+        threading.Thread(target=event.wait, daemon=True).start()
     if kind == "memory":
-        leaked.append(os.urandom(8 << 20))
+        leaked.append(written_memory(8 << 20))
+    if kind == "little memory":
+        leaked.append(written_memory(512 << 10))
+
+
+def written_memory(size):
+    """Goes back to the system when it is given back."""
+    memory = mmap.mmap(-1, size)
+    memory.write(bytes([1]) * size)
+    return memory
+
+
+def give_back():
+    for one in leaked:
+        one.set() if isinstance(one, threading.Event) else one.close()
+    leaked.clear()
 
 
 def read_mapped(name):
@@ -73,14 +91,15 @@ class AnsweringWindow:
             self._display.flush()
 
 
+def end(weakness):
+    if weakness == "crash":
+        os.abort()
+    os._exit(3 if weakness == "status" else 0)
+
+
 def main(weakness, value=""):
-    # The handler runs on the main thread, at once: that thread only waits.
-    signal.signal(signal.SIGUSR1, lambda *_: leak(value))
-    status = {"crash": -1, "status": 3}.get(weakness, 0)
-    if weakness == "deaf":
-        signal.signal(signal.SIGTERM, signal.SIG_IGN)
-    else:
-        signal.signal(signal.SIGTERM, lambda *_: os._exit(status) if status >= 0 else os.abort())
+    # Waited for, one after the other; before threads begin, so that none of them takes one.
+    signal.pthread_sigmask(signal.SIG_BLOCK, SIGNALS)
     if weakness == "orphan":
         subprocess.Popen(["sleep", "600"], start_new_session=True)
     if weakness == "log":
@@ -95,7 +114,13 @@ def main(weakness, value=""):
         threading.Thread(target=spin, daemon=True).start()
     (Path(os.environ["HOME"]) / "ready").touch()
     while True:
-        signal.pause()
+        number = signal.sigwait(SIGNALS)
+        if number == signal.SIGUSR1:
+            leak(value)
+        elif number == signal.SIGUSR2:
+            give_back()
+        elif weakness != "deaf":
+            end(weakness)
 
 
 if __name__ == "__main__":

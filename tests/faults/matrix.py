@@ -11,12 +11,25 @@ from harness.server import Plan
 from harness.shell import Shell
 from harness.waiting import NeverHappened, wait_until
 
-from watch import Holdings, Pulse, settled
+from watch import Holdings, Pulse, open_files, settled
 
 # What has to hold: the window answers within this many seconds, ...
 ANSWER = 0.1
 # ... and the memory of the program itself grows by no more than this (KiB), whatever the number of rounds.
 GROWTH = 4096
+
+# Where it draws without a graphics device, the engine holds one to three pictures of the page in the program's memory
+# (KiB). They come and go with its process, and when the window is hidden and shown.
+PICTURES = 3 * 1320 * 860 * 4 // 1024
+
+# What a round has in use for a moment, a connection say, may take so many seconds to be given back, ...
+MOMENT = 5
+# ... and idle threads of a pool so many to end.
+IDLE = 30
+
+# Why a row has no figures for what the program holds on to.
+ENDS = "ends"
+STARTS = "starts"
 
 # A line in which a process complains; GLib's lines tell its number.
 COMPLAINT = re.compile(r"^(?:\(.*:(?P<pid>\d+)\): )?.*(?:CRITICAL|Sanitizer|terminate called).*$", re.MULTILINE)
@@ -34,16 +47,19 @@ class Fault:
     put: callable
     quick: int
     whole: int
+    unmeasured: str | None = None
 
 
-def fault(name, quick, whole):
+def fault(name, quick, whole, unmeasured=None):
     """Enters a function into the matrix. It is called with a Trial and carries out each of `trial.rounds()`.
 
     quick, whole: how many rounds the quick half and the whole matrix have; 0 leaves the row out.
+    unmeasured: why there is nothing to measure of what the program holds on to: the fault ENDS it, or is there when it
+    STARTS, so that there is no before. Every other fault has to be measured.
     """
 
     def enter(put):
-        FAULTS[name] = Fault(name, put, quick, whole)
+        FAULTS[name] = Fault(name, put, quick, whole, unmeasured)
         return put
 
     return enter
@@ -58,6 +74,10 @@ class Counts:
     crashes: int = 0
     left_behind: int = 0
     lines_lost: int | None = None
+    # Whether there was no place for a log.
+    no_log: bool = False
+    # Why the next three were not measured, if they need not be.
+    unmeasured: str | None = None
     descriptors: int | None = None
     threads: int | None = None
     memory: int | None = None
@@ -81,20 +101,19 @@ class Trial:
 
     def __init__(self, rounds, folder):
         self.counts = Counts()
-        self._planned = rounds
+        self.planned = rounds
         self._folder = folder
         self._desktops = []
         self._shells = []
         self._killed = set()
+        self._kept = []
 
     def rounds(self):
-        for number in range(self._planned):
+        for number in range(self.planned):
             yield number
+            for kept in self._kept:
+                kept.look()
             self.counts.rounds += 1
-
-    @property
-    def planned(self):
-        return self._planned
 
     def desktop(self, **options):
         self._desktops.append(Desktop(**options))
@@ -163,9 +182,12 @@ class Trial:
     def expect_logged(self, shell, lines):
         """The log holds each of these lines, in their order."""
         logged = shell.log.read_bytes().splitlines() if shell.log.exists() else []
-        lost = len(lines) - _matched(lines, logged)
-        self.counts.lines_lost = (self.counts.lines_lost or 0) + lost
-        self.expect(lost == 0, f"{lost} of {len(lines)} lines are not in the log")
+        self.count_lost(len(lines) - _matched(lines, logged))
+
+    def count_lost(self, lines):
+        """So many lines are not in the log."""
+        self.counts.lines_lost = (self.counts.lines_lost or 0) + max(0, lines)
+        self.expect(lines <= 0, f"{lines} lines are not in the log")
 
     def kill(self, shell):
         """Kills the program. What the engine's processes have to say to that counts no more."""
@@ -188,36 +210,75 @@ class Trial:
             yield pulse
         finally:
             pulse.close()
-        self.counts.slowest = max(self.counts.slowest or 0.0, pulse.slowest)
-        self.expect(pulse.slowest <= within, f"the window took {pulse.slowest * 1000:.0f} ms to answer")
+        self.expect(pulse.problem is None, f"the window could not be asked: {pulse.problem!r}")
+        if self.expect(pulse.answers, "the window has not answered once"):
+            self.counts.slowest = max(self.counts.slowest or 0.0, pulse.slowest)
+            self.expect(pulse.slowest <= within, f"the window took {pulse.slowest * 1000:.0f} ms to answer")
 
     @contextmanager
     def keeping(self, shell, growth=GROWTH):
-        """What the program holds at the end is what it held at the beginning, when its start was over.
+        """What the program holds after each round from here to the end of the block, and at that end, is what it held
+        at the beginning, when its start was over. Gives the Kept.
 
         Begin when the program has warmed up: what is allocated once is no leak. If it has a page, that is on the screen.
         """
-        before = settled(shell.pid)
-        yield
-        if not self.expect_running(shell):
+        kept = Kept(self, shell, growth)
+        self._kept.append(kept)
+        try:
+            yield kept
+        finally:
+            self._kept.remove(kept)
+        kept.look()
+        kept.look_when_idle()
+
+
+class Kept:
+    """Looks at what a running program holds on to, and enters the worst into the counts."""
+
+    def __init__(self, trial, shell, growth):
+        self._trial = trial
+        self._shell = shell
+        self._growth = growth
+        self._before = settled(shell.pid)
+        self._files = set(open_files(shell.pid))
+        # How many bytes the server has printed since: the program keeps them, by design.
+        self.text = 0
+
+    def look(self):
+        """Pools may have threads that idle."""
+        self._look(MOMENT, pools=False)
+
+    def look_when_idle(self):
+        self._look(IDLE, pools=True)
+
+    def _look(self, patience, pools):
+        if not self._trial.expect_running(self._shell):
             return
         try:
-            # Threads of a pool end, and memory is given back, when they have been idle for a while.
-            wait_until("as little as before", lambda: _no_more(before, Holdings.of(shell.pid), growth), 30)
+            wait_until("as little as before", lambda: self._is_as_before(self._more(pools)), patience)
         except NeverHappened:
             pass
-        after = Holdings.of(shell.pid)
-        self.counts.descriptors = max(self.counts.descriptors or 0, after.descriptors - before.descriptors)
-        self.counts.threads = max(self.counts.threads or 0, after.threads - before.threads)
-        self.counts.memory = max(self.counts.memory or 0, after.memory - before.memory)
-        self.expect(after.descriptors <= before.descriptors, f"descriptors: {before} became {after}")
-        self.expect(after.threads <= before.threads, f"threads: {before} became {after}")
-        self.expect(after.memory - before.memory <= growth, f"memory: {before} became {after}")
+        more = self._more(pools)
+        counts = self._trial.counts
+        counts.descriptors = max(counts.descriptors or 0, more.descriptors)
+        counts.threads = max(counts.threads or 0, more.threads)
+        counts.memory = max(counts.memory or 0, more.memory)
+        opened = sorted(set(open_files(self._shell.pid)) - self._files) if more.descriptors > 0 else ""
+        self._trial.expect(self._is_as_before(more), f"it holds on to {more} {opened}")
 
+    def _more(self, pools):
+        """How much more than before."""
+        before, now = self._before, Holdings.of(self._shell.pid)
+        threads = now.threads - before.threads
+        return Holdings(
+            descriptors=now.descriptors - before.descriptors,
+            threads=threads if pools else threads - (now.pooled - before.pooled),
+            pooled=now.pooled - before.pooled,
+            memory=now.memory - before.memory - self.text // 1024,
+        )
 
-def _no_more(before, now, growth):
-    few = now.descriptors <= before.descriptors and now.threads <= before.threads
-    return few and now.memory <= before.memory + growth
+    def _is_as_before(self, more):
+        return more.descriptors <= 0 and more.threads <= 0 and more.memory <= self._growth
 
 
 def _matched(lines, logged):
@@ -239,6 +300,10 @@ def try_fault(which, rounds, folder):
     finally:
         trial.close()
     trial.counts.seconds = time.monotonic() - begun
-    if trial.counts.not_tried is None:
-        trial.expect(trial.counts.rounds == rounds, f"only {trial.counts.rounds} of {rounds} rounds")
-    return trial.counts
+    counts = trial.counts
+    counts.unmeasured = which.unmeasured
+    if counts.not_tried is None:
+        trial.expect(counts.rounds == rounds, f"only {counts.rounds} of {rounds} rounds")
+        measured = counts.memory is not None
+        trial.expect(measured != bool(which.unmeasured), "whether it holds on to anything was not measured as it should")
+    return counts

@@ -11,7 +11,7 @@ from harness.tray import answered, project
 from harness.waiting import stays, wait_until
 
 from checks import StatusMenu, expect_log_is, expect_resting, wait_for_unread_requests
-from matrix import NotTried, fault
+from matrix import ENDS, STARTS, NotTried, fault
 from watch import Holdings
 
 NOT_FOUND = "Node.js was not found."
@@ -32,7 +32,23 @@ def start_without_server(trial, shell, panel, beginning):
     with trial.answering(shell):
         shell.wait_for_label(lambda text: text.startswith(beginning))
         panel.wait_until_not_reachable()
+        look_on(trial, shell, panel)
     trial.quit(shell)
+
+
+def look_on(trial, shell, panel):
+    """Nothing grows while the user goes on looking."""
+    wait_until("the engine is ready", lambda: len(shell.web_processes()) == 2)
+    look_in_vain(panel)
+    with trial.keeping(shell):
+        look_in_vain(panel)
+
+
+def look_in_vain(panel):
+    """The user opens the menu, over and over; each time the program asks a server that is not there."""
+    for _ in range(20):
+        panel.menu.about_to_show()
+        panel.wait_until_not_reachable()
 
 
 @fault("there is no interpreter", quick=1, whole=20)
@@ -60,23 +76,28 @@ def interpreter_does_not_start(trial):
 @fault("the server exits at once", quick=1, whole=10)
 def exits_at_once(trial):
     shell = trial.shell(Plan([say("no luck today\n"), leave(3)]))
-    for _ in trial.rounds():
-        server = trial.start(shell)
-        with trial.answering(shell):
-            server.wait_until_gone()
-            shell.wait_for_text(NOT_STARTED)
-        expect_log_is(trial, shell, b"no luck today\n")
-        trial.quit(shell)
+    with closing(StatusMenu(shell.desktop)) as panel:
+        for _ in trial.rounds():
+            panel.expect_start()
+            server = trial.start(shell)
+            with trial.answering(shell):
+                server.wait_until_gone()
+                shell.wait_for_text(NOT_STARTED)
+                look_on(trial, shell, panel)
+            expect_log_is(trial, shell.log, b"no luck today\n")
+            trial.quit(shell)
 
 
 @fault("the server crashes while the program waits for it", quick=5, whole=50)
 def crashes_at_once(trial):
-    shell = trial.shell(Plan([say("no luck today\n"), serve(), {"do": "crash"}]))
+    shell = trial.shell(Plan([say("no luck today\n"), serve()]))
     for _ in trial.rounds():
         server = trial.start(shell)
-        with trial.answering(shell):
+        shell.window()
+        with trial.keeping(shell), trial.answering(shell):
+            server.do({"do": "crash"})
             server.wait_until_gone()
-            expect_log_is(trial, shell, b"no luck today\n")
+            expect_log_is(trial, shell.log, b"no luck today\n")
         trial.quit(shell)
 
 
@@ -86,7 +107,8 @@ def exits_after_ready(trial):
     for _ in trial.rounds():
         server = trial.start(shell)
         server.wait_for_page()
-        with trial.answering(shell):
+        shell.wait_until_drawn()
+        with trial.keeping(shell), trial.answering(shell):
             server.do(say("good-bye\n"))
             server.do(leave(1))
             server.wait_until_gone()
@@ -156,7 +178,7 @@ def stop_for_a_while(server, panel):
     server.wait_for_request("/api/state", after=seen)
 
 
-@fault("the server is stopped when the program quits", quick=2, whole=20)
+@fault("the server is stopped when the program quits", quick=2, whole=20, unmeasured=ENDS)
 def stopped_at_the_end(trial):
     shell = trial.shell(WITH_NOTES)
     with closing(StatusMenu(shell.desktop)) as panel:
@@ -172,7 +194,7 @@ def stopped_at_the_end(trial):
             trial.quit(shell)
 
 
-@fault("the server ignores the request to end", quick=2, whole=20)
+@fault("the server ignores the request to end", quick=2, whole=20, unmeasured=ENDS)
 def ignores_terminate(trial):
     """The program waits for it, without limit, as it promises; here in turn until it ends, and until it is killed."""
     shell = trial.shell(Plan([*READY, ignore("SIGTERM")]))
@@ -199,7 +221,8 @@ def closes_its_streams(trial):
     for number in trial.rounds():
         server = trial.start(shell)
         server.wait_for_page()
-        with trial.answering(shell):
+        shell.wait_until_drawn()
+        with trial.keeping(shell), trial.answering(shell):
             # All but its input, and in turn that too: it then takes it for the end of the program, and outlives it.
             server.do({"do": "outlive-input"})
             server.do({"do": "close-streams", "streams": [1, 2] if number % 2 else [0, 1, 2]})
@@ -214,10 +237,10 @@ def announces_too_late(trial):
     shell = trial.shell(Plan([serve()]))
     for _ in trial.rounds():
         server = trial.start(shell)
-        with trial.answering(shell):
-            shell.wait_for_text(NOT_STARTED)
+        shell.wait_for_text(NOT_STARTED)
+        with trial.keeping(shell), trial.answering(shell):
             server.do(announce())
-            expect_log_is(trial, shell, f"HARBROOK_PORT {server.port}\n".encode())
+            expect_log_is(trial, shell.log, f"HARBROOK_PORT {server.port}\n".encode())
         trial.expect(not server.requests("/"), "the page was loaded all the same")
         trial.quit(shell)
 
@@ -225,24 +248,24 @@ def announces_too_late(trial):
 IN_PIECES = [say("HARB"), drain(), say("ROOK_PORT"), drain(), say(" "), drain(), announce(marker="", after="\n")]
 
 
-@fault("the server announces itself in pieces", quick=2, whole=50)
+@fault("the server announces itself in pieces", quick=2, whole=50, unmeasured=STARTS)
 def announces_in_pieces(trial):
     shell = trial.shell(Plan([serve(), *IN_PIECES]))
     for _ in trial.rounds():
         server = trial.start(shell)
         server.wait_for_page()
-        expect_log_is(trial, shell, f"HARBROOK_PORT {server.port}\n".encode())
+        expect_log_is(trial, shell.log, f"HARBROOK_PORT {server.port}\n".encode())
         trial.quit(shell)
 
 
-@fault("the server announces itself twice, slowly", quick=1, whole=50)
+@fault("the server announces itself twice, slowly", quick=1, whole=50, unmeasured=STARTS)
 def announces_twice(trial):
     shell = trial.shell(Plan([serve(), pause(1), announce(), drain(), say("HARBROOK_PORT 1\n")]))
     for _ in trial.rounds():
         server = trial.start(shell)
         with trial.answering(shell):
             server.wait_for_page()
-            expect_log_is(trial, shell, f"HARBROOK_PORT {server.port}\nHARBROOK_PORT 1\n".encode())
+            expect_log_is(trial, shell.log, f"HARBROOK_PORT {server.port}\nHARBROOK_PORT 1\n".encode())
             server.wait_for_request("/api/state")
             wait_until("the label is hidden", lambda: shell.texts() == [])
         trial.quit(shell)

@@ -14,8 +14,8 @@ HEADINGS = (
 )
 
 
-def _cell(value, unit=""):
-    return "–" if value is None else f"{value}{unit}"
+def _cell(value, unit="", none=None):
+    return none or "–" if value is None else f"{value}{unit}"
 
 
 def row(name, counts):
@@ -24,10 +24,10 @@ def row(name, counts):
         str(counts.rounds),
         str(counts.crashes),
         str(counts.left_behind),
-        _cell(counts.lines_lost),
-        _cell(counts.descriptors),
-        _cell(counts.threads),
-        _cell(None if counts.memory is None else max(0, counts.memory), " KiB"),
+        "no log" if counts.lines_lost is None and counts.no_log else _cell(counts.lines_lost),
+        _cell(counts.descriptors, none=counts.unmeasured),
+        _cell(counts.threads, none=counts.unmeasured),
+        _cell(None if counts.memory is None else max(0, counts.memory), " KiB", none=counts.unmeasured),
         _cell(None if counts.slowest is None else round(counts.slowest * 1000), " ms"),
         "NO" if counts.failures else "yes" if counts.holds else "not tried",
     )

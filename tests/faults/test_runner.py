@@ -7,19 +7,22 @@ import os
 import signal
 import subprocess
 import tempfile
+import time
 from pathlib import Path
 
 import pytest
 
 import checks
+import file_faults
+import matrix
 import report
 import table
 from fake_program import read_mapped
 from harness.desktop import Desktop
-from harness.waiting import wait_until
+from harness.waiting import NeverHappened, wait_until
 from leftovers import files, new_files, temporary_folder
-from matrix import Counts, Fault, NotTried, Trial, try_fault
-from watch import Holdings
+from matrix import ENDS, Counts, Fault, NotTried, Trial, try_fault
+from watch import Holdings, Pulse, covered
 
 HERE = Path(__file__).resolve().parent
 
@@ -138,7 +141,7 @@ def test_the_program_may_not_complain_even_when_it_is_killed(trial, start, words
 def test_a_log_that_is_whole_holds(trial, start):
     shell = start("log", "one\ntwo\nthree\n")
     trial.expect_logged(shell, [b"one", b"three"])
-    checks.expect_log_is(trial, shell, b"one\ntwo\nthree\n")
+    checks.expect_log_is(trial, shell.log, b"one\ntwo\nthree\n")
     assert trial.counts.holds and trial.counts.lines_lost == 0
 
 
@@ -149,33 +152,118 @@ def test_a_line_that_is_lost_is_reported(trial, start, log):
 
 
 def test_a_log_with_another_byte_is_reported(trial, start):
-    checks.expect_log_is(trial, start("log", "one\ntwx\n"), b"one\ntwo\n")
+    checks.expect_log_is(trial, start("log", "one\ntwx\n").log, b"one\ntwo\n")
     assert not trial.counts.holds
 
 
 def test_a_digest_tells_of_a_lost_line(trial, start):
     shell = start("log", "skip\none\ntwo!\n")
-    checks.expect_log_digest(trial, shell, 9, "0" * 64, lines=3, skip=5)
+    checks.expect_log_digest(trial, shell.log, 9, "0" * 64, lines=3, skip=5)
     assert trial.counts.lines_lost == 1
     assert "not what was printed" in failures(trial)
+
+
+class LosingServer:
+    """Has all its lines in the log but the last, and a page that works."""
+
+    port = 1
+    events = ()
+
+    def __init__(self, log):
+        self._log = log
+
+    def wait_for_page(self):
+        pass
+
+    def evaluate(self, _):
+        return 42
+
+    def do(self, step):
+        self._size = step["size"]
+        line = b"." * (checks.NUMBERED_LINE - 1) + b"\n"
+        self._log.write_bytes(b"HARBROOK_PORT 1\n" + line * (self._size // len(line) - 1))
+
+    def wait_for(self, _, **__):
+        return {"size": self._size, "digest": ""}
+
+
+def test_a_line_that_is_lost_during_a_fault_of_the_disk_is_reported(trial, start, monkeypatch):
+    monkeypatch.setattr("checks.wait_until", out_of_patience)
+    shell = start("window", QUICK)
+    shell.wait_until_drawn = lambda: None
+    log = shell.folder / "log"
+    file_faults.work(trial, shell, LosingServer(log), log)
+    assert trial.counts.lines_lost == 1
+    assert "1 lines are not in the log" in failures(trial)
+
+
+def test_where_there_is_no_place_for_a_log_the_row_says_so(trial, start):
+    shell = start("window", QUICK)
+    shell.wait_until_drawn = lambda: None
+    file_faults.work(trial, shell, LosingServer(shell.folder / "log"))
+    assert table.row("a fault", trial.counts)[4] == "no log"
+    assert table.row("a fault", Counts())[4] == "–"
 
 
 # What it holds on to
 
 
-@pytest.mark.parametrize("kind", ["descriptors", "threads", "memory"])
+KINDS = ["descriptors", "threads", "memory"]
+
+
+def out_of_patience(what, predicate, *_, **__):
+    """Nothing that is planted here goes away by itself."""
+    if not predicate():
+        raise NeverHappened(what)
+
+
+def leak_once(shell, kind):
+    figure = kind.removeprefix("little ")
+    before = getattr(Holdings.of(shell.pid), figure)
+    enough = {"memory": 8000, "little memory": 400}.get(kind, 1)
+    shell.signal(signal.SIGUSR1)
+    wait_until("it leaks", lambda: getattr(Holdings.of(shell.pid), figure) >= before + enough)
+    return before
+
+
+@pytest.mark.parametrize("kind", KINDS)
 def test_a_leak_is_reported(trial, start, kind, monkeypatch):
-    # Nothing of this goes away by itself.
-    monkeypatch.setattr("matrix.wait_until", lambda *_: None)
+    monkeypatch.setattr("matrix.wait_until", out_of_patience)
     shell = start("leak", kind)
-    before = Holdings.of(shell.pid)
     with trial.keeping(shell):
-        shell.signal(signal.SIGUSR1)
-        wait_until("it leaks", lambda: getattr(Holdings.of(shell.pid), kind) > getattr(before, kind))
-        if kind == "memory":
-            wait_until("all of it", lambda: Holdings.of(shell.pid).memory > before.memory + 6000)
+        leak_once(shell, kind)
     assert getattr(trial.counts, kind) > 0
-    assert kind in failures(trial)
+    assert "holds on to" in failures(trial)
+
+
+@pytest.mark.parametrize("kind", KINDS)
+def test_each_round_is_measured(trial, start, kind, monkeypatch):
+    """What a round holds on to is reported, though a later one gives it back."""
+    monkeypatch.setattr("matrix.wait_until", out_of_patience)
+    trial.planned = 2
+    leeway = 1000 if kind == "memory" else 0
+    shell = start("leak", kind)
+    with trial.keeping(shell):
+        for number in trial.rounds():
+            if number == 0:
+                before = leak_once(shell, kind)
+            else:
+                shell.signal(signal.SIGUSR2)
+                wait_until("it is given back", lambda: getattr(Holdings.of(shell.pid), kind) <= before + leeway)
+    assert getattr(trial.counts, kind) > 0
+    assert failures(trial).count("holds on to") == 1
+
+
+def test_an_allowance_does_not_grow_with_the_rounds(trial, start, monkeypatch):
+    """A little in each of many rounds is too much."""
+    monkeypatch.setattr("matrix.wait_until", out_of_patience)
+    trial.planned = 2 * matrix.GROWTH // 512
+    shell = start("leak", "little memory")
+    with trial.keeping(shell):
+        for _ in trial.rounds():
+            leak_once(shell, "little memory")
+    assert trial.counts.memory > matrix.GROWTH
+    assert "holds on to" in failures(trial)
 
 
 def test_a_program_that_keeps_nothing_holds(trial, start):
@@ -233,11 +321,60 @@ def test_a_window_that_answers_at_once_holds(trial, start):
     assert trial.counts.holds and trial.counts.slowest < 0.1
 
 
+def test_a_window_that_never_answers_is_reported(trial, start):
+    """One of which not a single answer is known, as that of a program that is gone."""
+    shell = start("window", QUICK)
+    shell.window()
+    shell.signal(signal.SIGKILL)
+    shell.wait()
+    shell.window = lambda: Gone
+    with trial.answering(shell):
+        pass
+    assert trial.counts.slowest is None
+    assert "has not answered once" in failures(trial)
+
+
+class Gone:
+    number = 1
+
+
+def test_what_breaks_in_the_asking_thread_is_reported(trial, start, monkeypatch):
+    asked = []
+
+    def break_down(pulse, number):
+        asked.append(number)
+        if number > 2:
+            raise RuntimeError("out of order")
+        return 0.0
+
+    monkeypatch.setattr(Pulse, "_ask", break_down)
+    with trial.answering(start("window", QUICK)):
+        wait_until("it has asked", lambda: len(asked) > 2)
+    assert "out of order" in failures(trial)
+
+
+def test_waits_that_overlap_count_once(trial, start, monkeypatch):
+    """Three who all wait in the same half of the time make an answer late by half of it, not by none of it."""
+    monkeypatch.setattr("watch.waited_for_processor", lambda *_: time.monotonic() / 2)
+    with trial.answering(start("window", SLOW)) as pulse:
+        wait_until("it has answered", lambda: pulse.answers)
+    assert 0.1 < trial.counts.slowest < 0.2
+    assert "to answer" in failures(trial)
+
+
+@pytest.mark.parametrize(
+    "spans, seconds",
+    [([], 0), ([(1, 3)], 2), ([(1, 3), (2, 5)], 4), ([(1, 9), (2, 3), (4, 10)], 9), ([(5, 6), (1, 2)], 2), ([(3, 1)], 0)],
+)
+def test_spans_cover_what_at_least_one_covers(spans, seconds):
+    assert covered(spans) == seconds
+
+
 # Rows
 
 
 def tried(put, folder, rounds=2):
-    return try_fault(Fault("a fault", put, rounds, rounds), rounds, folder)
+    return try_fault(Fault("a fault", put, rounds, rounds, ENDS), rounds, folder)
 
 
 def all_rounds(trial):
@@ -248,6 +385,20 @@ def all_rounds(trial):
 def too_few_rounds(trial):
     for _ in trial.rounds():
         return
+
+
+def measures(trial):
+    all_rounds(trial)
+    trial.counts.descriptors = trial.counts.threads = trial.counts.memory = 0
+
+
+@pytest.mark.parametrize(
+    "put, unmeasured, holds", [(all_rounds, ENDS, True), (all_rounds, None, False), (measures, None, True), (measures, ENDS, False)]
+)
+def test_what_a_fault_leaves_to_measure_is_measured(tmp_path, put, unmeasured, holds):
+    counts = try_fault(Fault("a fault", put, 1, 1, unmeasured), 1, tmp_path)
+    assert counts.holds == holds
+    assert table.row("a fault", counts)[5:8].count(ENDS) == 3 * (put is all_rounds and unmeasured is not None)
 
 
 def breaks_down(trial):
@@ -274,12 +425,35 @@ def test_a_row_says_how_it_went(tmp_path, put, outcome, cell):
     assert table.row("a fault", counts)[-1] == cell
 
 
-def test_new_rows_replace_those_of_the_same_fault(tmp_path):
+@pytest.fixture
+def document(tmp_path):
     document = tmp_path / "document.md"
     document.write_text(f"before\n{report.BEGIN}\n{report.END}\nafter\n")
+    return document
+
+
+def cells(document):
+    """The rows of the written table by the name of the fault, without their headings."""
+    rows = [line.strip("|").split("|") for line in document.read_text().splitlines() if line.startswith("| ")]
+    return {row[0].strip(): [cell.strip() for cell in row[1:]] for row in rows[1:]}
+
+
+def test_new_rows_replace_those_of_the_same_fault(document):
     rows = {name: table.row(name, Counts(rounds=1)) for name in ("one", "two", "gone")}
     report.write(document, rows, ["two", "one", "gone"])
     report.write(document, {"one": table.row("one", Counts(rounds=7))}, ["two", "one"])
-    written = [[cell.strip() for cell in line.split("|")[1:3]] for line in document.read_text().splitlines() if "|" in line]
-    assert written[2:] == [["two", "1"], ["one", "7"]]
+    assert [(name, row[0]) for name, row in cells(document).items()] == [("two", "1"), ("one", "7")]
     assert document.read_text().startswith("before\n") and document.read_text().endswith("after\n")
+
+
+def test_each_row_keeps_the_machine_and_the_commit_it_was_counted_on(document, monkeypatch):
+    row = table.row("one", Counts(rounds=1))
+    for name, commit, machine in [("one", "abc", "an old one"), ("two", "def", "a new one"), ("three", "def", "an old one")]:
+        monkeypatch.setattr(report, "commit", lambda commit=commit: commit)
+        monkeypatch.setattr(report, "machine", lambda machine=machine: machine)
+        report.write(document, {name: (name, *row[1:])}, ["one", "two", "three"])
+    assert [row[-2:] for row in cells(document).values()] == [["abc", "A"], ["def", "B"], ["def", "A"]]
+    assert "- Machine A: an old one\n- Machine B: a new one\n" in document.read_text()
+    # What no row was counted on any more goes away.
+    report.write(document, {"two": row}, ["two"])
+    assert "a new one" not in document.read_text()
