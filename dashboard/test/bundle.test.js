@@ -40,15 +40,28 @@ test('the lock file says of every package what its bytes must be, and not where 
 
 test('the bundle is one file for the server and one for the page, with their maps and licences', async (t) => {
   const app = await makeBundle(t);
-  assert.deepEqual((await filesIn(app)).sort(), ['package.json', 'page/icon.svg', 'page/index.html', 'page/page.css.map',
-    'page/page.js.map', 'server.js', 'server.js.map', 'third-party.txt']);
-  for (const [script, map] of [['server.js', 'server.js.map'], ['page/index.html', 'page/page.js.map']]) {
+  assert.deepEqual((await filesIn(app)).sort(), [
+    'package.json',
+    'page/icon.svg',
+    'page/index.html',
+    'page/page.css.map',
+    'page/page.js.map',
+    'server.js',
+    'server.js.map',
+    'third-party.txt',
+  ]);
+  for (const [script, map] of [
+    ['server.js', 'server.js.map'],
+    ['page/index.html', 'page/page.js.map'],
+  ]) {
     assert.ok((await readFile(join(app, script), 'utf8')).includes('sourceMappingURL='));
     assert.ok(JSON.parse(await readFile(join(app, map), 'utf8')).sources.length > 10);
   }
   const licences = await readFile(join(app, 'third-party.txt'), 'utf8');
   for (const folder of Object.values(SIDES)) {
-    for (const name of new Set((await filesIn(folder)).filter((file) => file.includes('/')).map((file) => file.split('/')[0])))
+    for (const name of new Set(
+      (await filesIn(folder)).filter((file) => file.includes('/')).map((file) => file.split('/')[0]),
+    ))
       assert.ok(licences.includes(`${name} `), name);
   }
 });
@@ -65,6 +78,9 @@ test('the bundled page needs one request, and then only the API', { skip: browse
   await page.getByRole('link', { name: 'shop' }).waitFor();
   await ready(page);
   // The icon is for a browser's tab.
-  assert.deepEqual(asked.filter((path) => !path.startsWith('/api/') && path !== '/icon.svg'), ['/']);
+  assert.deepEqual(
+    asked.filter((path) => !path.startsWith('/api/') && path !== '/icon.svg'),
+    ['/'],
+  );
   for (const map of ['/page.js.map', '/page.css.map']) assert.equal((await dashboard.get(map)).status, 200);
 });

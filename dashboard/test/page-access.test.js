@@ -114,9 +114,9 @@ function faintTexts(large) {
 }
 
 await describePage('everybody can use the page', (sample) => {
-  test('every control of every view has a name', async (test) => {
-    const { address, views } = await furnish(test);
-    const page = await sample.open(test, '#/', { address });
+  test('every control of every view has a name', async (t) => {
+    const { address, views } = await furnish(t);
+    const page = await sample.open(t, '#/', { address });
     const seen = new Set();
     for (const hash of views) {
       await go(page, hash);
@@ -142,9 +142,9 @@ await describePage('everybody can use the page', (sample) => {
     assert.equal(dialog.name, 'Updates');
   });
 
-  test('every text stands out from its ground, light and dark', async (test) => {
-    const { address, views } = await furnish(test);
-    const page = await sample.open(test, '#/', { address });
+  test('every text stands out from its ground, light and dark', async (t) => {
+    const { address, views } = await furnish(t);
+    const page = await sample.open(t, '#/', { address });
     for (const colorScheme of ['light', 'dark']) {
       await page.emulateMedia({ colorScheme });
       for (const hash of views) {
@@ -155,9 +155,9 @@ await describePage('everybody can use the page', (sample) => {
     }
   });
 
-  test('every control can be reached by the keyboard and shows that it has it', async (test) => {
-    const { address, views } = await furnish(test);
-    const page = await sample.open(test, '#/', { address });
+  test('every control can be reached by the keyboard and shows that it has it', async (t) => {
+    const { address, views } = await furnish(t);
+    const page = await sample.open(t, '#/', { address });
     for (const hash of views) {
       await go(page, hash);
       await ready(page);
@@ -187,35 +187,50 @@ await describePage('everybody can use the page', (sample) => {
     }
   });
 
-  test('a narrow window still says which project failed', async (test) => {
-    const { address } = await furnish(test);
-    const page = await sample.open(test, '#/', { address });
+  test('a narrow window still says which project failed', async (t) => {
+    const { address } = await furnish(t);
+    const page = await sample.open(t, '#/', { address });
     await page.setViewportSize({ width: 780, height: 700 });
-    for (const words of ['Ended with code 1', 'Broken manifest']) await page.getByText(words, { exact: true }).waitFor();
-    assert.equal(await page.evaluate(() => document.getElementById('page').scrollWidth), await page.evaluate(() => document.getElementById('page').clientWidth));
+    for (const words of ['Ended with code 1', 'Broken manifest'])
+      await page.getByText(words, { exact: true }).waitFor();
+    assert.equal(
+      await page.evaluate(() => document.getElementById('page').scrollWidth),
+      await page.evaluate(() => document.getElementById('page').clientWidth),
+    );
   });
 
-  test('the chosen segment stands out from its ground, light and dark', async (test) => {
-    const page = await sample.open(test);
+  test('the chosen segment stands out from its ground, light and dark', async (t) => {
+    const page = await sample.open(t);
     const chosen = page.getByRole('button', { name: 'All', exact: true });
-    for (const [colorScheme, least] of [['light', 1.1], ['dark', 1.5]]) {
+    for (const [colorScheme, least] of [
+      ['light', 1.1],
+      ['dark', 1.5],
+    ]) {
       await page.emulateMedia({ colorScheme });
       const [front, back] = await chosen.evaluate((button) => {
         // Relative luminance, as the accessibility guidelines reckon it.
         const luminance = (element) => {
-          const parts = getComputedStyle(element).backgroundColor.match(/[\d.]+/g).slice(0, 3).map((part) => part / 255);
-          const [red, green, blue] = parts.map((part) => (part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4));
+          const parts = getComputedStyle(element)
+            .backgroundColor.match(/[\d.]+/g)
+            .slice(0, 3)
+            .map((part) => part / 255);
+          const [red, green, blue] = parts.map((part) =>
+            part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4,
+          );
           return 0.2126 * red + 0.7152 * green + 0.0722 * blue;
         };
         return [luminance(button), luminance(button.parentElement)];
       });
-      assert.ok((front + 0.05) / (back + 0.05) > least, `${colorScheme}: ${((front + 0.05) / (back + 0.05)).toFixed(2)}`);
+      assert.ok(
+        (front + 0.05) / (back + 0.05) > least,
+        `${colorScheme}: ${((front + 0.05) / (back + 0.05)).toFixed(2)}`,
+      );
     }
   });
 
-  test('a published port is shown with its container and its project', async (test) => {
-    const { address, port, views } = await furnish(test);
-    const page = await sample.open(test, '#/ports', { address });
+  test('a published port is shown with its container and its project', async (t) => {
+    const { address, port, views } = await furnish(t);
+    const page = await sample.open(t, '#/ports', { address });
     const row = page.getByRole('row', { name: String(port) });
     await row.getByText('shop-db-1').waitFor();
     await row.getByText('postgres:17').waitFor();
@@ -229,21 +244,21 @@ await describePage('everybody can use the page', (sample) => {
     assert.equal(await page.evaluate(() => location.hash), views[6]);
   });
 
-  test('a program that is called by its name alone is named once', async (test) => {
+  test('a program that is called by its name alone is named once', async (t) => {
     const script =
       "process.title='lonely'; require('net').createServer().listen(0, '127.0.0.1', () => console.log('ready'))";
     const lonely = spawn(process.execPath, ['-e', script], { stdio: ['ignore', 'pipe', 'inherit'] });
-    test.after(() => lonely.kill());
+    t.after(() => lonely.kill());
     await once(lonely.stdout, 'data');
-    const page = await sample.open(test, '#/ports');
+    const page = await sample.open(t, '#/ports');
     const row = page.getByRole('row', { name: String(lonely.pid) });
     await row.waitFor();
     assert.equal((await row.innerText()).match(/lonely/g).length, 1);
   });
 
-  test('the output keeps within the page, whatever is said above it', async (test) => {
-    const { address, views } = await furnish(test);
-    const page = await sample.open(test, views[7], { address });
+  test('the output keeps within the page, whatever is said above it', async (t) => {
+    const { address, views } = await furnish(t);
+    const page = await sample.open(t, views[7], { address });
     await page.getByText('Port 3000 is taken by another program.').waitFor();
     const [panel, main] = await Promise.all(
       ['.log-panel', '#page'].map((selector) => page.locator(selector).boundingBox()),

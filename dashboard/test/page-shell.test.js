@@ -7,8 +7,8 @@ import { makeHome, startDashboard, TOKEN, writeTree } from './support/machine.js
 import { describePage, go, messages, ready } from './support/page.js';
 
 await describePage('the page and the shell', (sample) => {
-  test('the shell’s folder panel is asked for, and its answer is looked through', async (test) => {
-    const page = await sample.open(test, '#/settings');
+  test('the shell’s folder panel is asked for, and its answer is looked through', async (t) => {
+    const page = await sample.open(t, '#/settings');
     await page.getByRole('button', { name: 'Add a folder…' }).click();
     assert.deepEqual((await messages(page)).at(-1), { k: 'pickFolder', v: '' });
     await page.evaluate((path) => window.onFolderPicked(path, ''), join(sample.home, 'elsewhere'));
@@ -22,8 +22,8 @@ await describePage('the page and the shell', (sample) => {
     await page.getByText('These are the usual places.').waitFor();
   });
 
-  test('the sidebar’s button hides and shows it, and the choice is remembered', async (test) => {
-    const page = await sample.open(test);
+  test('the sidebar’s button hides and shows it, and the choice is remembered', async (t) => {
+    const page = await sample.open(t);
     await page.locator('#side').waitFor();
     await page.evaluate(() => document.getElementById('toggleSide').click());
     await page.locator('#side').waitFor({ state: 'hidden' });
@@ -34,8 +34,8 @@ await describePage('the page and the shell', (sample) => {
     await page.locator('#side').waitFor();
   });
 
-  test('the header drags and zooms the window; its controls do not', async (test) => {
-    const page = await sample.open(test);
+  test('the header drags and zooms the window; its controls do not', async (t) => {
+    const page = await sample.open(t);
     await ready(page);
     const commands = async () => (await messages(page)).filter((message) => typeof message === 'string');
     await page.mouse.move(600, 30);
@@ -51,8 +51,8 @@ await describePage('the page and the shell', (sample) => {
     assert.equal((await commands()).length, before);
   });
 
-  test('the header leaves room for the window’s buttons, but not in full screen nor in a browser', async (test) => {
-    const page = await sample.open(test);
+  test('the header leaves room for the window’s buttons, but not in full screen nor in a browser', async (t) => {
+    const page = await sample.open(t);
     const left = async () => (await page.locator('#toggleSide').boundingBox()).x;
     const bar = await page.locator('.bar').boundingBox();
     assert.deepEqual([bar.y, bar.height], [0, 52]);
@@ -65,19 +65,22 @@ await describePage('the page and the shell', (sample) => {
     assert.ok((await left()) < 40);
   });
 
-  test('a dialog opens, lets nothing behind it have the keyboard, closes, and may be removed by the shell', async (test) => {
-    const page = await sample.open(test, '#/about');
+  test('a dialog opens, lets nothing behind it have the keyboard, closes, and may be removed by the shell', async (t) => {
+    const page = await sample.open(t, '#/about');
     await ready(page);
     const dialog = page.getByRole('dialog', { name: 'Updates' });
-    const behind = () => dialog.evaluate((element) => {
-      const { activeElement } = document;
-      return activeElement !== document.body && !element.contains(activeElement);
-    });
+    const behind = () =>
+      dialog.evaluate((element) => {
+        const { activeElement } = document;
+        return activeElement !== document.body && !element.contains(activeElement);
+      });
     const backdrop = () => page.mouse.click(5, 5);
     const removal = () => page.evaluate(() => document.querySelectorAll('.modal-bg').forEach((x) => x.remove()));
     const escape = () => page.keyboard.press('Escape');
     for (const close of [escape, () => page.getByRole('button', { name: 'Done' }).click(), backdrop, removal]) {
-      await page.evaluate(() => { window.openUpdate(); });
+      await page.evaluate(() => {
+        window.openUpdate();
+      });
       await dialog.waitFor();
       assert.equal(await page.evaluate(() => document.activeElement.textContent), 'Done');
       await dialog.getByText('comes with the application').click();
@@ -93,8 +96,8 @@ await describePage('the page and the shell', (sample) => {
     await page.getByRole('heading', { level: 1, name: 'Ports' }).waitFor();
   });
 
-  test('without the shell the token is taken from the address, and without a token the page says so', async (test) => {
-    const page = await sample.open(test, '', { inShell: false });
+  test('without the shell the token is taken from the address, and without a token the page says so', async (t) => {
+    const page = await sample.open(t, '', { inShell: false });
     await page.getByText('This page has no key').waitFor();
     await page.goto('about:blank');
     await page.goto(`${sample.dashboard.address}/#token=${TOKEN}`);
@@ -109,14 +112,14 @@ await describePage('the page and the shell', (sample) => {
     await page.getByRole('alert').getByText('Every folder must be an absolute path.').waitFor();
   });
 
-  test('text from projects is shown, never run', async (test) => {
-    const hostile = await makeHome(test);
+  test('text from projects is shown, never run', async (t) => {
+    const hostile = await makeHome(t);
     const name = '<img src=x onerror="window.__run=1"><script>window.__run=1</script>';
     await writeTree(hostile, {
       'src/x/package.json': { name, version: name, scripts: { dev: 'echo "<script>window.__run=1</script>"' } },
     });
-    const own = await startDashboard(test, hostile);
-    const page = await sample.open(test, '#/', { address: own.address });
+    const own = await startDashboard(t, hostile);
+    const page = await sample.open(t, '#/', { address: own.address });
     await page.getByText(name).first().waitFor();
     await page.getByRole('button', { name: /^Start / }).click();
     await page.locator('a.cover').first().click();
@@ -124,15 +127,15 @@ await describePage('the page and the shell', (sample) => {
     assert.equal(await page.evaluate(() => window.__run), undefined);
   });
 
-  test('no foreign page can frame it or reach it', async (test) => {
+  test('no foreign page can frame it or reach it', async (t) => {
     const foreign = createServer((_request, response) => {
       response.writeHead(200, { 'Content-Type': 'text/html' });
       response.end(`<iframe src="${sample.dashboard.address}/"></iframe>`);
     }).listen(0, '127.0.0.1');
     await once(foreign, 'listening');
-    test.after(() => foreign.close());
+    t.after(() => foreign.close());
     const page = await sample.context.newPage();
-    test.after(() => page.close());
+    t.after(() => page.close());
     await page.goto(`http://127.0.0.1:${foreign.address().port}/`);
     const reached = await page.evaluate(async (address) => {
       const simple = await fetch(`${address}/api/state`).then(

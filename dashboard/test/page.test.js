@@ -19,8 +19,8 @@ await describePage('the page', (sample) => {
     ['#/about', 'About & Support'],
   ];
 
-  test('each view has its heading, is ready for the shell’s probe, and marks its place', async (test) => {
-    const page = await sample.open(test);
+  test('each view has its heading, is ready for the shell’s probe, and marks its place', async (t) => {
+    const page = await sample.open(t);
     for (const [hash, title] of VIEWS) {
       await go(page, hash);
       await page.getByRole('heading', { level: 1, name: title }).waitFor();
@@ -33,8 +33,8 @@ await describePage('the page', (sample) => {
     assert.equal(await page.locator('main').evaluate((main) => document.activeElement === main), true);
   });
 
-  test('an unknown view and an unknown project say so', async (test) => {
-    const page = await sample.open(test, '#/nothing');
+  test('an unknown view and an unknown project say so', async (t) => {
+    const page = await sample.open(t, '#/nothing');
     await page.getByText('There is no such view').waitFor();
     for (const path of ['%2Fnowhere', '%E0%A4%A', '']) {
       await go(page, `#/p/${path}`);
@@ -43,7 +43,7 @@ await describePage('the page', (sample) => {
     }
   });
 
-  test('a project is shown for its path as the shell encodes it', async (test) => {
+  test('a project is shown for its path as the shell encodes it', async (t) => {
     const encoded = [...Buffer.from(sample.shop)]
       .map((byte) =>
         /[A-Za-z0-9]/.test(String.fromCharCode(byte))
@@ -51,13 +51,13 @@ await describePage('the page', (sample) => {
           : `%${byte.toString(16).toUpperCase()}`,
       )
       .join('');
-    const page = await sample.open(test, `#/p/${encoded}`);
+    const page = await sample.open(t, `#/p/${encoded}`);
     await page.getByRole('heading', { level: 1, name: /^shop/ }).waitFor();
     await ready(page);
   });
 
-  test('a project is started and stopped, with its port and its output shown live', async (test) => {
-    const page = await sample.open(test);
+  test('a project is started and stopped, with its port and its output shown live', async (t) => {
+    const page = await sample.open(t);
     await page.getByRole('button', { name: 'Start shop' }).click();
     await eventually(() => page.evaluate(() => document.activeElement.getAttribute('aria-label') === 'Stop shop'), {
       what: 'the focus to follow',
@@ -78,15 +78,15 @@ await describePage('the page', (sample) => {
     await assert.rejects(fetch(opened));
   });
 
-  test('a project that fails says why', async (test) => {
-    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/failing'))}`);
+  test('a project that fails says why', async (t) => {
+    const page = await sample.open(t, `#/p/${encodeURIComponent(join(sample.home, 'projects/failing'))}`);
     await page.getByRole('button', { name: 'Start failing' }).click();
     await page.getByText('Port 3000 is taken by another program.').waitFor();
     await page.getByText('Ended with code 1', { exact: true }).waitFor();
   });
 
-  test('a start command can be typed and taken back, and the menu bar left', async (test) => {
-    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
+  test('a start command can be typed and taken back, and the menu bar left', async (t) => {
+    const page = await sample.open(t, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
     const field = page.getByLabel('Start command').last();
     await field.fill('go run ./cmd');
     await page.getByRole('button', { name: 'Save' }).click();
@@ -100,8 +100,8 @@ await describePage('the page', (sample) => {
     assert.ok((await messages(page)).filter(({ k }) => k === 'state').length >= 3);
   });
 
-  test('a switch stays as the user set it while the server still tells of before', async (test) => {
-    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
+  test('a switch stays as the user set it while the server still tells of before', async (t) => {
+    const page = await sample.open(t, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
     const hold = async (address) => {
       const held = [];
       await page.route(address, (route) => held.push(route));
@@ -141,8 +141,8 @@ await describePage('the page', (sample) => {
     assert.equal(await shown.isChecked(), true);
   });
 
-  test('a switch goes back when its choice could not be saved', async (test) => {
-    const page = await sample.open(test, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
+  test('a switch goes back when its choice could not be saved', async (t) => {
+    const page = await sample.open(t, `#/p/${encodeURIComponent(join(sample.home, 'projects/group/mailer'))}`);
     await page.route('**/api/project/settings', (route) =>
       route.fulfill({ status: 500, json: { error: 'The disk is full.' } }),
     );
@@ -151,8 +151,8 @@ await describePage('the page', (sample) => {
     await eventually(() => page.getByRole('switch').isChecked(), { what: 'the switch to go back' });
   });
 
-  test('changes on the machine show without reloading, and typing is left in peace', async (test) => {
-    const page = await sample.open(test, `#/p/${encodeURIComponent(sample.shop)}`);
+  test('changes on the machine show without reloading, and typing is left in peace', async (t) => {
+    const page = await sample.open(t, `#/p/${encodeURIComponent(sample.shop)}`);
     const field = page.getByLabel('Start command').last();
     await field.fill('half typed');
     await writeTree(sample.home, { 'projects/shop/package.json': servingPackage('3.0.0') });
@@ -160,8 +160,8 @@ await describePage('the page', (sample) => {
     assert.equal(await field.inputValue(), 'half typed');
   });
 
-  test('search and arrow keys lead to a project', async (test) => {
-    const page = await sample.open(test, '#/ports');
+  test('search and arrow keys lead to a project', async (t) => {
+    const page = await sample.open(t, '#/ports');
     await ready(page);
     await page.keyboard.press('/');
     await page.keyboard.type('mail');
@@ -176,36 +176,36 @@ await describePage('the page', (sample) => {
     await page.getByRole('heading', { level: 1, name: 'mailer' }).waitFor();
   });
 
-  test('a server that goes away is told of, and its return noticed', async (test) => {
-    const own = await makeHome(test);
+  test('a server that goes away is told of, and its return noticed', async (t) => {
+    const own = await makeHome(t);
     await writeTree(own, { 'src/one/go.mod': 'module one' });
-    const first = await startDashboard(test, own);
-    const page = await sample.open(test, '#/', { address: first.address });
+    const first = await startDashboard(t, own);
+    const page = await sample.open(t, '#/', { address: first.address });
     await page.getByRole('link', { name: 'one' }).waitFor();
     first.child.kill('SIGKILL');
     await page.getByText('Reconnecting…').waitFor();
     assert.equal(await page.getByRole('link', { name: 'one' }).isVisible(), true);
-    await startDashboard(test, own, { HARBROOK_PORT: String(first.port) });
+    await startDashboard(t, own, { HARBROOK_PORT: String(first.port) });
     await page.getByText('Reconnecting…').waitFor({ state: 'detached' });
   });
 
-  test('a machine without projects is welcomed', async (test) => {
-    const bare = await startDashboard(test, await makeHome(test));
-    const page = await sample.open(test, '#/', { address: bare.address });
+  test('a machine without projects is welcomed', async (t) => {
+    const bare = await startDashboard(t, await makeHome(t));
+    const page = await sample.open(t, '#/', { address: bare.address });
     await page.getByText('No projects yet').waitFor();
     await ready(page);
     await page.getByRole('button', { name: 'Choose a folder…' }).click();
     assert.deepEqual((await messages(page)).at(-1), { k: 'pickFolder', v: '' });
   });
 
-  test('five hundred projects are drawn and searched without a wait', async (test) => {
-    const many = await makeHome(test);
+  test('five hundred projects are drawn and searched without a wait', async (t) => {
+    const many = await makeHome(t);
     const files = {};
     for (let index = 0; index < 500; index += 1) files[`dev/p${index}/go.mod`] = `module project${index}`;
     await writeTree(many, files);
-    const large = await startDashboard(test, many);
-    await large.until(({ ready, projects }) => ready && projects.length === 500);
-    const page = await sample.open(test, '#/', { address: large.address });
+    const large = await startDashboard(t, many);
+    await large.until((overview) => overview.ready && overview.projects.length === 500);
+    const page = await sample.open(t, '#/', { address: large.address });
     await page.getByText('500 projects').waitFor();
     assert.equal(await page.locator('.row').count(), 500);
     const drawn = await page.evaluate(async () => {
@@ -220,11 +220,11 @@ await describePage('the page', (sample) => {
       return { rows: document.querySelectorAll('.row').length, milliseconds: performance.now() - start };
     });
     assert.equal(drawn.rows, 500);
-    test.diagnostic(`three searches among 500 projects: ${drawn.milliseconds.toFixed(0)} ms`);
+    t.diagnostic(`three searches among 500 projects: ${drawn.milliseconds.toFixed(0)} ms`);
   });
 
-  test('the canvas has the window’s colours, and every view is fit to be seen, light and dark', async (test) => {
-    const page = await sample.open(test);
+  test('the canvas has the window’s colours, and every view is fit to be seen, light and dark', async (t) => {
+    const page = await sample.open(t);
     if (pictures) await mkdir(pictures, { recursive: true });
     for (const [colorScheme, canvas] of [
       ['light', 'rgb(243, 244, 240)'],

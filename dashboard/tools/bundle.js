@@ -14,9 +14,15 @@ export const SIDES = { server: join(dashboard, 'vendor'), page: join(dashboard, 
 const ownEsbuild = join(dashboard, 'node_modules/.bin/esbuild');
 const COMMON = ['--bundle', '--sourcemap', '--legal-comments=none', '--log-level=warning', '--charset=utf8'];
 // Names stay, so that a stack in the log can be read.
-const SERVER = ['--platform=node', '--format=esm', '--target=node18', '--minify-whitespace', '--minify-syntax',
+const SERVER = [
+  '--platform=node',
+  '--format=esm',
+  '--target=node18',
+  '--minify-whitespace',
+  '--minify-syntax',
   // Packages that are not ES modules ask for the interpreter's own in the older way.
-  "--banner:js=import { createRequire } from 'node:module'; const require = createRequire(import.meta.url);"];
+  "--banner:js=import { createRequire } from 'node:module'; const require = createRequire(import.meta.url);",
+];
 const PAGE = ['--platform=browser', '--format=iife', '--target=safari16,chrome110', '--minify'];
 
 /** The server and its workers. A worker lies beside whoever starts it, here as in the bundle, so names are unique. */
@@ -28,7 +34,9 @@ function serverEntries() {
 function run(esbuild = ownEsbuild, parameters, packages) {
   const nodePath = [packages, env.NODE_PATH].filter(Boolean).join(delimiter);
   const { status, error } = spawnSync(esbuild, [...COMMON, ...parameters], {
-    cwd: dashboard, env: { ...env, NODE_PATH: nodePath }, stdio: 'inherit',
+    cwd: dashboard,
+    env: { ...env, NODE_PATH: nodePath },
+    stdio: 'inherit',
   });
   if (error) throw error;
   if (status !== 0) throw new Error(`esbuild ended with ${status}`);
@@ -36,13 +44,20 @@ function run(esbuild = ownEsbuild, parameters, packages) {
 
 /** Bundles the server's sources into the folder `target`. */
 export function bundleServer(target, { esbuild, parameters = [] } = {}) {
-  run(esbuild, [...serverEntries(), ...SERVER, `--outdir=${target}`, '--entry-names=[name]', ...parameters], SIDES.server);
+  run(
+    esbuild,
+    [...serverEntries(), ...SERVER, `--outdir=${target}`, '--entry-names=[name]', ...parameters],
+    SIDES.server,
+  );
 }
 
 /** Bundles the page's script and style into the folder `target`. */
 export function bundlePage(target, { esbuild, parameters = [] } = {}) {
-  run(esbuild, ['page/js/page.js', 'page/style/page.css', ...PAGE, `--outdir=${target}`, '--entry-names=[name]', ...parameters],
-    SIDES.page);
+  run(
+    esbuild,
+    ['page/js/page.js', 'page/style/page.css', ...PAGE, `--outdir=${target}`, '--entry-names=[name]', ...parameters],
+    SIDES.page,
+  );
 }
 
 /** The page with everything it needs for its first paint in it: one request, and nothing to wait for. */
@@ -50,7 +65,7 @@ function withoutFiles(html, { script, style }) {
   if (/<\/(script|style)|<!--/i.test(script + style)) throw new Error('The bundle would end its own element');
   const replaced = [
     [/ *<script type="importmap">.*?<\/script>\n/s, () => ''],
-    [/<link rel="stylesheet" href="\/style\/page.css">/, () => `<style>${style}</style>`],
+    [/<link rel="stylesheet" href="\/style\/page.css" \/>/, () => `<style>${style}</style>`],
     [/<script type="module" src="\/js\/page.js"><\/script>/, () => `<script>${script}</script>`],
   ];
   return replaced.reduce((text, [pattern, by]) => {
@@ -60,7 +75,9 @@ function withoutFiles(html, { script, style }) {
 }
 
 function licences() {
-  const files = Object.values(SIDES).map((folder) => join(folder, 'licences.txt')).filter(existsSync);
+  const files = Object.values(SIDES)
+    .map((folder) => join(folder, 'licences.txt'))
+    .filter(existsSync);
   return files.map((file) => readFileSync(file, 'utf8')).join('\n');
 }
 
@@ -77,7 +94,10 @@ export function bundle(target, esbuild) {
     return text;
   };
   const html = readFileSync(join(dashboard, 'page/index.html'), 'utf8');
-  writeFileSync(join(page, 'index.html'), withoutFiles(html, { script: inlined('page.js'), style: inlined('page.css') }));
+  writeFileSync(
+    join(page, 'index.html'),
+    withoutFiles(html, { script: inlined('page.js'), style: inlined('page.css') }),
+  );
   copyFileSync(join(dashboard, 'page/icon.svg'), join(page, 'icon.svg'));
   const { name, version, type } = JSON.parse(readFileSync(join(dashboard, 'package.json'), 'utf8'));
   writeFileSync(join(target, 'package.json'), `${JSON.stringify({ name, version, type }, null, 2)}\n`);

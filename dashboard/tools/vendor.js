@@ -47,7 +47,11 @@ function contentOf(bundleIt) {
 }
 
 /** For each vendor folder what belongs there: a map from path to content. */
-export const vendored = () => new Map([[SIDES.server, contentOf(bundleServer)], [SIDES.page, contentOf(bundlePage)]]);
+export const vendored = () =>
+  new Map([
+    [SIDES.server, contentOf(bundleServer)],
+    [SIDES.page, contentOf(bundlePage)],
+  ]);
 
 if (argv[1] && basename(argv[1]) === 'vendor.js') {
   if (!existsSync(join(dashboard, 'node_modules'))) throw new Error('Run `npm ci` first');

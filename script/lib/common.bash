@@ -38,3 +38,11 @@ build() {
     [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
     cmake --build "build/$preset" "$@"
 }
+
+# The packages that the dashboard is tested, checked and laid out with, fetched once for a state of its lock file.
+dashboard_packages() {
+    local dashboard=$root/dashboard
+    cmp --silent "$dashboard/package-lock.json" "$dashboard/node_modules/.fetched" && return
+    (cd "$dashboard" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >&2)
+    cp "$dashboard/package-lock.json" "$dashboard/node_modules/.fetched"
+}

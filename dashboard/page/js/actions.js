@@ -80,19 +80,38 @@ export function askForFolder() {
     pickFolder('');
     return;
   }
-  openModal('Add a folder', (close) => h('form', {
-    class: 'stack',
-    onSubmit(event) {
-      event.preventDefault();
-      addFolder(event.target.elements.path.value.trim());
-      close();
-    },
-  },
-  h('label', { class: 'field' }, h('span', null, 'Folder that contains your projects'),
-    h('input', { name: 'path', class: 'input mono', placeholder: `${store.overview.home}/work`, autofocus: true, required: true, spellcheck: false })),
-  h('div', { class: 'actions' },
-    h('button', { class: 'button', type: 'button', onClick: close }, 'Cancel'),
-    h('button', { class: 'button primary', type: 'submit' }, 'Add folder'))));
+  openModal('Add a folder', (close) =>
+    h(
+      'form',
+      {
+        class: 'stack',
+        onSubmit(event) {
+          event.preventDefault();
+          addFolder(event.target.elements.path.value.trim());
+          close();
+        },
+      },
+      h(
+        'label',
+        { class: 'field' },
+        h('span', null, 'Folder that contains your projects'),
+        h('input', {
+          name: 'path',
+          class: 'input mono',
+          placeholder: `${store.overview.home}/work`,
+          autofocus: true,
+          required: true,
+          spellcheck: false,
+        }),
+      ),
+      h(
+        'div',
+        { class: 'actions' },
+        h('button', { class: 'button', type: 'button', onClick: close }, 'Cancel'),
+        h('button', { class: 'button primary', type: 'submit' }, 'Add folder'),
+      ),
+    ),
+  );
 }
 
 window.onFolderPicked = (path, target) => {
@@ -100,11 +119,30 @@ window.onFolderPicked = (path, target) => {
 };
 
 window.openUpdate = () => {
-  openModal('Updates', (close) => h('div', { class: 'stack' },
-    h('p', null, store.about ? `This is version ${store.about.version} of the Harbrook dashboard.` : 'This is the Harbrook dashboard.'),
-    h('p', { class: 'soft' }, 'It comes with the application and is updated together with it. It makes no connection beyond this machine, '
-      + 'so it does not look for a newer version by itself.'),
-    h('div', { class: 'actions' }, h('button', { class: 'button primary', type: 'button', autofocus: true, onClick: close }, 'Done'))));
+  openModal('Updates', (close) =>
+    h(
+      'div',
+      { class: 'stack' },
+      h(
+        'p',
+        null,
+        store.about
+          ? `This is version ${store.about.version} of the Harbrook dashboard.`
+          : 'This is the Harbrook dashboard.',
+      ),
+      h(
+        'p',
+        { class: 'soft' },
+        'It comes with the application and is updated together with it. It makes no connection beyond this machine, ' +
+          'so it does not look for a newer version by itself.',
+      ),
+      h(
+        'div',
+        { class: 'actions' },
+        h('button', { class: 'button primary', type: 'button', autofocus: true, onClick: close }, 'Done'),
+      ),
+    ),
+  );
 };
 
 /** Copies text; the user is told either way. */

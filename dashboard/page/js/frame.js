@@ -19,7 +19,9 @@ const OTHER_PLACES = [
 const REMEMBERED = 'harbrook.sidebar';
 const narrow = matchMedia('(max-width: 760px)');
 
-export const frame = { sidebarShown: (localStorage.getItem(REMEMBERED) ?? (narrow.matches ? 'hidden' : 'shown')) === 'shown' };
+export const frame = {
+  sidebarShown: (localStorage.getItem(REMEMBERED) ?? (narrow.matches ? 'hidden' : 'shown')) === 'shown',
+};
 
 function toggleSidebar() {
   frame.sidebarShown = !frame.sidebarShown;
@@ -28,9 +30,17 @@ function toggleSidebar() {
 }
 
 function search(route) {
-  return h('label', { class: 'search' }, icon('search', 14),
+  return h(
+    'label',
+    { class: 'search' },
+    icon('search', 14),
     h('input', {
-      id: 'search', type: 'search', placeholder: 'Search projects', 'aria-label': 'Search projects', autocomplete: 'off', spellcheck: false,
+      id: 'search',
+      type: 'search',
+      placeholder: 'Search projects',
+      'aria-label': 'Search projects',
+      autocomplete: 'off',
+      spellcheck: false,
       value: store.search,
       onInput(event) {
         if (route.view !== 'home') location.hash = '#/';
@@ -49,36 +59,81 @@ function search(route) {
         }
       },
     }),
-    h('kbd', { 'aria-hidden': 'true' }, '/'));
+    h('kbd', { 'aria-hidden': 'true' }, '/'),
+  );
 }
 
 export function header(route) {
-  return h('header', { class: 'bar', ref: actAsTitleBar },
-    h('button', {
-      id: 'toggleSide', class: 'button quiet square', type: 'button', 'aria-label': 'Sidebar', 'aria-controls': 'side',
-      'aria-expanded': String(frame.sidebarShown), title: 'Show or hide the sidebar', onClick: toggleSidebar,
-    }, icon('sidebar')),
+  return h(
+    'header',
+    { class: 'bar', ref: actAsTitleBar },
+    h(
+      'button',
+      {
+        id: 'toggleSide',
+        class: 'button quiet square',
+        type: 'button',
+        'aria-label': 'Sidebar',
+        'aria-controls': 'side',
+        'aria-expanded': String(frame.sidebarShown),
+        title: 'Show or hide the sidebar',
+        onClick: toggleSidebar,
+      },
+      icon('sidebar'),
+    ),
     h('span', { class: 'wordmark' }, 'Harbrook'),
     h('span', { class: 'bar-space' }),
     store.overview && store.problem && h('span', { class: 'pill', role: 'status' }, 'Reconnecting…'),
-    search(route));
+    search(route),
+  );
 }
 
 function place([view, hash, title, sign], current, badge) {
-  return h('a', { key: view, class: 'place', href: hash, 'aria-current': view === current ? 'page' : null },
-    icon(sign), h('span', { class: 'place-name' }, title), badge > 0 && h('span', { class: 'badge' }, amount(badge)));
+  return h(
+    'a',
+    { key: view, class: 'place', href: hash, 'aria-current': view === current ? 'page' : null },
+    icon(sign),
+    h('span', { class: 'place-name' }, title),
+    badge > 0 && h('span', { class: 'badge' }, amount(badge)),
+  );
 }
 
 export function sidebar(route) {
   const { overview } = store;
   const running = (overview?.projects ?? []).filter((project) => project.running);
   const badges = overview ? { docker: overview.stats.containers } : {};
-  return h('nav', { id: 'side', key: 'side', class: 'side', 'aria-label': 'Views', hidden: !frame.sidebarShown },
-    h('div', { class: 'places' }, PLACES.map((entry) => place(entry, route.view, badges[entry[0]]))),
-    running.length > 0 && h('div', { class: 'places side-running', key: 'running' },
-      h('h2', { class: 'side-title' }, 'Running'),
-      running.map(({ path, name }) => h('a', {
-        key: path, class: 'place', href: hashOfProject(path), title: path, 'aria-current': route.path === path ? 'page' : null,
-      }, h('span', { class: 'dot good', 'aria-hidden': 'true' }), h('span', { class: 'place-name' }, name)))),
-    h('div', { class: 'places side-foot', key: 'foot' }, OTHER_PLACES.map((entry) => place(entry, route.view))));
+  return h(
+    'nav',
+    { id: 'side', key: 'side', class: 'side', 'aria-label': 'Views', hidden: !frame.sidebarShown },
+    h(
+      'div',
+      { class: 'places' },
+      PLACES.map((entry) => place(entry, route.view, badges[entry[0]])),
+    ),
+    running.length > 0 &&
+      h(
+        'div',
+        { class: 'places side-running', key: 'running' },
+        h('h2', { class: 'side-title' }, 'Running'),
+        running.map(({ path, name }) =>
+          h(
+            'a',
+            {
+              key: path,
+              class: 'place',
+              href: hashOfProject(path),
+              title: path,
+              'aria-current': route.path === path ? 'page' : null,
+            },
+            h('span', { class: 'dot good', 'aria-hidden': 'true' }),
+            h('span', { class: 'place-name' }, name),
+          ),
+        ),
+      ),
+    h(
+      'div',
+      { class: 'places side-foot', key: 'foot' },
+      OTHER_PLACES.map((entry) => place(entry, route.view)),
+    ),
+  );
 }

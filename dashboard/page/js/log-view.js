@@ -46,7 +46,14 @@ class Log extends Component {
   }
 
   render() {
-    return h('pre', { ref: this.element, class: 'log', role: 'log', 'aria-live': 'off', tabindex: '0', 'aria-label': 'Output' });
+    return h('pre', {
+      ref: this.element,
+      class: 'log',
+      role: 'log',
+      'aria-live': 'off',
+      tabindex: '0',
+      'aria-label': 'Output',
+    });
   }
 }
 

@@ -30,9 +30,16 @@ export function openModal(title, content) {
   });
   render(
     [
-      h('header', { class: 'modal-head' },
+      h(
+        'header',
+        { class: 'modal-head' },
         h('h2', null, title),
-        h('button', { class: 'button quiet square', type: 'button', 'aria-label': 'Close', onClick: close }, icon('close'))),
+        h(
+          'button',
+          { class: 'button quiet square', type: 'button', 'aria-label': 'Close', onClick: close },
+          icon('close'),
+        ),
+      ),
       h('div', { class: 'modal-body' }, content(close)),
     ],
     dialog,

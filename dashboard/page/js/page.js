@@ -16,8 +16,13 @@ import { servicesView } from './views/services.js';
 import { settingsView } from './views/settings.js';
 
 const VIEWS = {
-  home: ['Dashboard', homeView], services: ['Services', servicesView], docker: ['Docker', dockerView], ports: ['Ports', portsView],
-  settings: ['Settings', settingsView], about: ['About & Support', aboutView], project: ['Project', projectView],
+  home: ['Dashboard', homeView],
+  services: ['Services', servicesView],
+  docker: ['Docker', dockerView],
+  ports: ['Ports', portsView],
+  settings: ['Settings', settingsView],
+  about: ['About & Support', aboutView],
+  project: ['Project', projectView],
 };
 
 let route = routeOf(location.hash);
@@ -26,17 +31,30 @@ let shownTitle = null;
 function content() {
   const { overview, problem } = store;
   if (problem?.status === 401) {
-    return empty('warn', 'This page has no key', 'It was opened without the key that belongs to it. Open Harbrook, or the address that the server printed when it was started.');
+    return empty(
+      'warn',
+      'This page has no key',
+      'It was opened without the key that belongs to it. Open Harbrook, or the address that the server printed when it was started.',
+    );
   }
   if (!overview) {
-    return problem ? empty('warn', 'The server does not answer', 'The page comes back by itself as soon as the Harbrook server answers again.') : spinner('Loading…');
+    return problem
+      ? empty(
+          'warn',
+          'The server does not answer',
+          'The page comes back by itself as soon as the Harbrook server answers again.',
+        )
+      : spinner('Loading…');
   }
   const [, view] = VIEWS[route.view] ?? [];
-  return view ? view({ overview, route }) : empty('search', 'There is no such view', 'Choose one of the views in the sidebar to go on.');
+  return view
+    ? view({ overview, route })
+    : empty('search', 'There is no such view', 'Choose one of the views in the sidebar to go on.');
 }
 
 function titleOf() {
-  if (route.view === 'project') return store.overview?.projects.find(({ path }) => path === route.path)?.name ?? 'Project';
+  if (route.view === 'project')
+    return store.overview?.projects.find(({ path }) => path === route.path)?.name ?? 'Project';
   return VIEWS[route.view]?.[0] ?? '';
 }
 
@@ -51,8 +69,12 @@ function draw() {
   render(
     [
       header(route),
-      h('div', { class: 'body' }, sidebar(route),
-        h('main', { id: 'page', class: 'page', key: 'page', tabindex: '-1' }, view)),
+      h(
+        'div',
+        { class: 'body' },
+        sidebar(route),
+        h('main', { id: 'page', class: 'page', key: 'page', tabindex: '-1' }, view),
+      ),
     ],
     document.getElementById('app'),
   );
@@ -94,4 +116,7 @@ window.addEventListener('keydown', (event) => {
 
 draw();
 live();
-get('about').then((about) => update({ about }), () => {});
+get('about').then(
+  (about) => update({ about }),
+  () => {},
+);

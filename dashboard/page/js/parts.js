@@ -4,12 +4,36 @@ import { icon } from './icons.js';
 import { shortPath } from './text.js';
 
 const GLYPHS = {
-  'Node.js': ['JS', 'leaf'], TypeScript: ['TS', 'sky'], 'Next.js': ['Nx', 'stone'], Nuxt: ['Nu', 'leaf'], SvelteKit: ['Sv', 'clay'],
-  Astro: ['As', 'plum'], Angular: ['Ng', 'rose'], Remix: ['Rx', 'sky'], Electron: ['El', 'sky'], Vite: ['Vi', 'plum'],
-  NestJS: ['Ne', 'rose'], Express: ['Ex', 'leaf'], Fastify: ['Fa', 'stone'], Deno: ['De', 'stone'], Rust: ['Rs', 'clay'],
-  Go: ['Go', 'sky'], Python: ['Py', 'sand'], Django: ['Dj', 'leaf'], Ruby: ['Rb', 'rose'], Rails: ['Ra', 'rose'],
-  PHP: ['Ph', 'plum'], Laravel: ['La', 'clay'], Elixir: ['Ex', 'plum'], Maven: ['Mv', 'clay'], Gradle: ['Gr', 'leaf'],
-  Swift: ['Sw', 'clay'], Dart: ['Da', 'sky'], CMake: ['C+', 'stone'], Meson: ['Me', 'stone'], Compose: ['Dc', 'sky'],
+  'Node.js': ['JS', 'leaf'],
+  TypeScript: ['TS', 'sky'],
+  'Next.js': ['Nx', 'stone'],
+  Nuxt: ['Nu', 'leaf'],
+  SvelteKit: ['Sv', 'clay'],
+  Astro: ['As', 'plum'],
+  Angular: ['Ng', 'rose'],
+  Remix: ['Rx', 'sky'],
+  Electron: ['El', 'sky'],
+  Vite: ['Vi', 'plum'],
+  NestJS: ['Ne', 'rose'],
+  Express: ['Ex', 'leaf'],
+  Fastify: ['Fa', 'stone'],
+  Deno: ['De', 'stone'],
+  Rust: ['Rs', 'clay'],
+  Go: ['Go', 'sky'],
+  Python: ['Py', 'sand'],
+  Django: ['Dj', 'leaf'],
+  Ruby: ['Rb', 'rose'],
+  Rails: ['Ra', 'rose'],
+  PHP: ['Ph', 'plum'],
+  Laravel: ['La', 'clay'],
+  Elixir: ['Ex', 'plum'],
+  Maven: ['Mv', 'clay'],
+  Gradle: ['Gr', 'leaf'],
+  Swift: ['Sw', 'clay'],
+  Dart: ['Da', 'sky'],
+  CMake: ['C+', 'stone'],
+  Meson: ['Me', 'stone'],
+  Compose: ['Dc', 'sky'],
 };
 
 /** The small square that stands for a project's kind. */
@@ -19,26 +43,46 @@ export function glyph(kind, isLarge = false) {
 }
 
 export function pageHead(title, subtitle, ...actions) {
-  return h('div', { class: 'head' },
+  return h(
+    'div',
+    { class: 'head' },
     h('div', { class: 'head-text' }, h('h1', null, title), subtitle && h('p', { class: 'soft' }, subtitle)),
-    actions.length > 0 && h('div', { class: 'actions' }, actions));
+    actions.length > 0 && h('div', { class: 'actions' }, actions),
+  );
 }
 
 export function section(title, aside, ...content) {
-  return h('section', { class: 'section', 'aria-label': title },
-    h('div', { class: 'section-head' }, h('h2', null, title), aside), content);
+  return h(
+    'section',
+    { class: 'section', 'aria-label': title },
+    h('div', { class: 'section-head' }, h('h2', null, title), aside),
+    content,
+  );
 }
 
 export function portLink(port) {
-  return h('a', {
-    class: 'chip mono', href: `http://localhost:${port}`, target: '_blank', rel: 'noreferrer', title: `Open localhost:${port} in the browser`,
-    'aria-label': `Open port ${port} in the browser`,
-  }, `:${port}`);
+  return h(
+    'a',
+    {
+      class: 'chip mono',
+      href: `http://localhost:${port}`,
+      target: '_blank',
+      rel: 'noreferrer',
+      title: `Open localhost:${port} in the browser`,
+      'aria-label': `Open port ${port} in the browser`,
+    },
+    `:${port}`,
+  );
 }
 
 export function portLinks(ports, most = 3) {
   const more = ports.length - most;
-  return h('span', { class: 'chips' }, ports.slice(0, most).map(portLink), more > 0 && h('span', { class: 'faint' }, `+${more}`));
+  return h(
+    'span',
+    { class: 'chips' },
+    ports.slice(0, most).map(portLink),
+    more > 0 && h('span', { class: 'faint' }, `+${more}`),
+  );
 }
 
 /** Start, or stop, or nothing: what can be done with the project now. */
@@ -48,17 +92,34 @@ export function runButton(project, { isPrimary = false } = {}) {
   const look = `button${isPrimary ? '' : ' small'}`;
   if (appRunning) {
     const stopping = run?.stopping ?? false;
-    return h('button', {
-      class: look, type: 'button', 'data-run': path, 'aria-label': `Stop ${name}`, 'aria-disabled': waits || stopping ? 'true' : null,
-      onClick: () => stopping || stopProject(path),
-    },
-      icon('stop', 12), stopping ? 'Stopping…' : 'Stop');
+    return h(
+      'button',
+      {
+        class: look,
+        type: 'button',
+        'data-run': path,
+        'aria-label': `Stop ${name}`,
+        'aria-disabled': waits || stopping ? 'true' : null,
+        onClick: () => stopping || stopProject(path),
+      },
+      icon('stop', 12),
+      stopping ? 'Stopping…' : 'Stop',
+    );
   }
   if (running || !(project.ownCommand ?? project.foundCommand)) return null;
-  return h('button', {
-    class: isPrimary ? `${look} primary` : look, type: 'button', 'data-run': path, 'aria-label': `Start ${name}`,
-    'aria-disabled': waits ? 'true' : null, onClick: () => startProject(path),
-  }, icon('play', 12), waits ? 'Starting…' : 'Start');
+  return h(
+    'button',
+    {
+      class: isPrimary ? `${look} primary` : look,
+      type: 'button',
+      'data-run': path,
+      'aria-label': `Start ${name}`,
+      'aria-disabled': waits ? 'true' : null,
+      onClick: () => startProject(path),
+    },
+    icon('play', 12),
+    waits ? 'Starting…' : 'Start',
+  );
 }
 
 /** In words and in colour how the project is doing. */
@@ -86,18 +147,47 @@ const CONTAINER_TONES = { running: 'good', restarting: 'wait', paused: 'wait', d
 
 /** How a container is doing, in colour and in these words. */
 export function containerStatus({ state }, words) {
-  return h('span', { class: `status ${CONTAINER_TONES[state] ?? 'off'}`, title: state },
-    h('span', { class: 'dot', 'aria-hidden': 'true' }), h('span', { class: 'clip' }, words));
+  return h(
+    'span',
+    { class: `status ${CONTAINER_TONES[state] ?? 'off'}`, title: state },
+    h('span', { class: 'dot', 'aria-hidden': 'true' }),
+    h('span', { class: 'clip' }, words),
+  );
 }
 
 export function copyable(text, shown = text) {
-  return h('span', { class: 'copyable' }, h('code', { title: text }, shown),
-    h('button', { class: 'button quiet square small', type: 'button', 'aria-label': `Copy ${text}`, onClick: () => copyText(text) }, icon('copy', 14)));
+  return h(
+    'span',
+    { class: 'copyable' },
+    h('code', { title: text }, shown),
+    h(
+      'button',
+      {
+        class: 'button quiet square small',
+        type: 'button',
+        'aria-label': `Copy ${text}`,
+        onClick: () => copyText(text),
+      },
+      icon('copy', 14),
+    ),
+  );
 }
 
 export function empty(sign, title, text, ...actions) {
-  return h('div', { class: 'empty' }, h('span', { class: 'empty-sign' }, icon(sign, 28)), h('h2', null, title), h('p', null, text),
-    actions.length > 0 && h('div', { class: 'actions' }, actions));
+  return h(
+    'div',
+    { class: 'empty' },
+    h('span', { class: 'empty-sign' }, icon(sign, 28)),
+    h('h2', null, title),
+    h('p', null, text),
+    actions.length > 0 && h('div', { class: 'actions' }, actions),
+  );
 }
 
-export const spinner = (label) => h('div', { class: 'waiting' }, h('div', { class: 'spin', role: 'status', 'aria-label': label }), h('p', { class: 'soft' }, label));
+export const spinner = (label) =>
+  h(
+    'div',
+    { class: 'waiting' },
+    h('div', { class: 'spin', role: 'status', 'aria-label': label }),
+    h('p', { class: 'soft' }, label),
+  );

@@ -32,7 +32,9 @@ export const period = (from, to) => formatFor(from).formatRange(from, to);
 
 /** Text without the terminal's colour and cursor sequences. */
 export function plainOutput(text) {
-  return text.replace(/\u001b\[[0-?]*[ -/]*[@-~]|\u001b\][^\u0007\u001b]*(?:\u0007|\u001b\\)|\u001b[@-_]/g, '').replace(/\r+\n/g, '\n');
+  return text
+    .replace(/\u001b\[[0-?]*[ -/]*[@-~]|\u001b\][^\u0007\u001b]*(?:\u0007|\u001b\\)|\u001b[@-_]/g, '')
+    .replace(/\r+\n/g, '\n');
 }
 
 /** "a, b and c". */

@@ -26,16 +26,17 @@ export const go = (page, hash) =>
   }, hash);
 
 /** A page at `address`; what goes wrong in it counts as a failure of the test. */
-export async function openPage(test, context, address, { inShell = true } = {}) {
+export async function openPage(t, context, address, { inShell = true } = {}) {
   const page = await context.newPage();
   const problems = [];
   page.on('pageerror', (error) => problems.push(error.message));
   page.on('console', (message) => {
-    if (message.type() === 'error' && !message.text().includes('Failed to load resource')) problems.push(message.text());
+    if (message.type() === 'error' && !message.text().includes('Failed to load resource'))
+      problems.push(message.text());
   });
   if (inShell) await asInShell(page);
   await page.goto(address);
-  test.after(async () => {
+  t.after(async () => {
     await page.close();
     assert.deepEqual(problems, []);
   });
