@@ -22,7 +22,8 @@ const hasFailed = (run) => run.ended && !run.stopping && run.code !== 0;
 export class Dashboard extends EventEmitter {
   #made = new Map();
   #announce = null;
-  revision = 1;
+  // Grows with every change, and from one start to the next.
+  revision = Date.now();
 
   constructor({ directory, dataDirectory, home }) {
     super();

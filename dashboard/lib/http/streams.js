@@ -1,12 +1,18 @@
 const MOST_WAITING = 1024 * 1024;
 
-/** Tells of every change by its revision, for as long as the client listens. */
+const BEAT = 10_000;
+
+/** Tells of every change by its revision, for as long as the client listens, and between changes that it is alive. */
 export function streamEvents(dashboard, response) {
   response.writeHead(200, { 'Content-Type': 'text/event-stream; charset=utf-8', 'Cache-Control': 'no-store' });
   const tell = () => response.write(`data: ${dashboard.revision}\n\n`);
+  const beat = setInterval(() => response.write(':\n\n'), BEAT);
   tell();
   dashboard.on('change', tell);
-  response.on('close', () => dashboard.off('change', tell));
+  response.on('close', () => {
+    clearInterval(beat);
+    dashboard.off('change', tell);
+  });
 }
 
 /**

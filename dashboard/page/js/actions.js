@@ -1,7 +1,8 @@
 import { post } from './api.js';
+import { refresh } from './live.js';
 import { openModal, say } from './overlays.js';
 import { isNative, pickFolder, stateChanged } from './shell.js';
-import { refresh, store, update } from './store.js';
+import { store, update } from './store.js';
 import { h } from 'preact';
 
 /** The projects with a request under way, so that their buttons wait. */
@@ -17,15 +18,27 @@ async function attempt(task) {
   }
 }
 
+// How long to wait for the answer, in milliseconds: a stop answers at the end of what it stops.
+const PATIENCE = { start: 30_000, stop: 120_000 };
+
+const isRunning = (path) => store.overview?.projects.find((project) => project.path === path)?.appRunning ?? false;
+
 async function changeProject(verb, path) {
   if (busy.has(path)) return;
   const hadFocus = document.activeElement?.dataset.run === path;
   busy.add(path);
   update({});
-  await attempt(() => post(`project/${verb}`, { path }));
+  const problem = await post(`project/${verb}`, { path }, { patience: PATIENCE[verb] }).then(
+    () => null,
+    (error) => error,
+  );
   busy.delete(path);
+  update({});
   stateChanged();
   await refresh().catch(() => {});
+  // It has come to what was asked for, if by another request, or by this one's copy.
+  const isDone = problem?.status === 409 && isRunning(path) === (verb === 'start');
+  if (problem && !isDone) say(problem.message, { isError: true });
   // The project may have moved to another list, with a new button; the keyboard follows it.
   const button = document.querySelector(`[data-run="${CSS.escape(path)}"]`);
   if (hadFocus && document.activeElement === document.body) button?.focus();

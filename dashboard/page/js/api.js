@@ -21,36 +21,57 @@ export class ApiError extends Error {
   }
 }
 
-async function send(path, options) {
-  let response;
+const PATIENCE = 15_000;
+
+/**
+ * Asks for `path` and fulfils with what `read` makes of the answer. `read` is given a function to call at every sign of
+ * life; after `patience` milliseconds without one the server counts as gone, and so does a connection that breaks.
+ */
+async function ask(path, options, read, { patience = PATIENCE, signal } = {}) {
+  const ended = new AbortController();
+  const end = () => ended.abort();
+  let timer;
+  const isAlive = () => {
+    clearTimeout(timer);
+    if (patience !== Infinity) timer = setTimeout(end, patience);
+  };
+  signal?.addEventListener('abort', end);
+  isAlive();
   try {
-    response = await fetch(`/api/${path}`, { ...options, headers: { 'X-Harbrook-Token': token, ...options.headers } });
+    const headers = { 'X-Harbrook-Token': token, ...options.headers };
+    const response = await fetch(`/api/${path}`, { ...options, headers, signal: ended.signal });
+    if (response.ok) return await read(response, isAlive);
+    const answer = await response.json().catch(() => ({}));
+    throw new ApiError(response.status, answer.error ?? `The server answered with status ${response.status}.`);
   } catch (error) {
-    if (error.name === 'AbortError') throw error;
+    if (error instanceof ApiError) throw error;
     throw new ApiError(0, 'The Harbrook server does not answer.');
+  } finally {
+    clearTimeout(timer);
+    signal?.removeEventListener('abort', end);
   }
-  if (response.ok) return response;
-  const answer = await response.json().catch(() => ({}));
-  throw new ApiError(response.status, answer.error ?? `The server answered with status ${response.status}.`);
 }
 
-export async function get(path) {
-  return (await send(path, {})).json();
-}
+const asJson = (response) => response.json();
 
-export async function post(path, body) {
+export const get = (path) => ask(path, {}, asJson);
+
+export function post(path, body, limits) {
   const headers = { 'Content-Type': 'application/json', 'X-Harbrook': '1' };
-  return (await send(path, { method: 'POST', headers, body: JSON.stringify(body) })).json();
+  return ask(path, { method: 'POST', headers, body: JSON.stringify(body) }, asJson, limits);
 }
 
-/** Calls `onText` with each piece of a streamed answer; fulfilled at its end. */
-export async function stream(path, onText, signal) {
-  const response = await send(path, { signal });
-  const reader = response.body.getReader();
-  const decoder = new TextDecoder();
-  for (;;) {
-    const { done, value } = await reader.read();
-    if (done) return;
-    onText(decoder.decode(value, { stream: true }));
-  }
+/** Calls `onText` with each piece of a streamed answer; fulfilled at its end. `limits` are those of `ask`. */
+export function stream(path, onText, limits) {
+  const read = async (response, isAlive) => {
+    const reader = response.body.getReader();
+    const decoder = new TextDecoder();
+    for (;;) {
+      const { done, value } = await reader.read();
+      if (done) return;
+      isAlive();
+      onText(decoder.decode(value, { stream: true }));
+    }
+  };
+  return ask(path, {}, read, limits);
 }

@@ -1,48 +1,60 @@
 import { Component, createRef, h } from 'preact';
 import { stream } from './api.js';
+import { backOff } from './live.js';
 import { plainOutput } from './text.js';
 
 const KEPT = 400_000;
 
-/** Shows the output of a project's last run in `element`, and follows it until the returned function is called. */
-function follow(element, path) {
-  const ended = new AbortController();
-  let content = '';
-  const show = (text) => {
-    const atEnd = element.scrollTop + element.clientHeight >= element.scrollHeight - 24;
-    content += plainOutput(text);
-    if (content.length > KEPT) content = content.slice(content.indexOf('\n', content.length - KEPT) + 1);
-    element.textContent = content;
-    if (atEnd) element.scrollTop = element.scrollHeight;
-  };
-  const remark = (text) => {
-    element.textContent = text;
-    element.classList.add('remark');
-  };
-  stream(`project/log?follow=1&path=${encodeURIComponent(path)}`, show, ended.signal)
-    .then(() => {
+/**
+ * Shows the output of a project's last run in `element`, and follows it until `signal` says so. After an interruption it
+ * is shown anew: nothing is lost, and nothing there twice.
+ */
+async function follow(element, path, signal) {
+  const attempts = backOff();
+  while (!signal.aborted) {
+    let content = '';
+    const show = (text) => {
+      attempts.succeeded();
+      const atEnd = element.scrollTop + element.clientHeight >= element.scrollHeight - 24;
+      content += plainOutput(text);
+      if (content.length > KEPT) content = content.slice(content.indexOf('\n', content.length - KEPT) + 1);
+      element.textContent = content;
+      if (atEnd) element.scrollTop = element.scrollHeight;
+    };
+    const remark = (text) => {
+      element.textContent = text;
+      element.classList.add('remark');
+    };
+    try {
+      await stream(`project/log?follow=1&path=${encodeURIComponent(path)}`, show, { patience: Infinity, signal });
       if (content === '') remark('Nothing has been printed yet. The output of the start command appears here.');
-    })
-    .catch((error) => {
-      if (error.name !== 'AbortError') remark(`The output cannot be shown: ${error.message}`);
-    });
-  return () => ended.abort();
+      return;
+    } catch (error) {
+      if (signal.aborted) return;
+      if (error.status !== 0) {
+        remark(`The output cannot be shown: ${error.message}`);
+        return;
+      }
+    }
+    await attempts.next();
+  }
 }
 
 /** Writes its own text, which the views never touch. */
 class Log extends Component {
   element = createRef();
+  removed = new AbortController();
 
   shouldComponentUpdate() {
     return false;
   }
 
   componentDidMount() {
-    this.unfollow = follow(this.element.current, this.props.path);
+    follow(this.element.current, this.props.path, this.removed.signal);
   }
 
   componentWillUnmount() {
-    this.unfollow();
+    this.removed.abort();
   }
 
   render() {

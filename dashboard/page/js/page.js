@@ -1,12 +1,12 @@
 import './actions.js';
-import { get } from './api.js';
 import { h, render } from 'preact';
 import { header, sidebar } from './frame.js';
 import { say } from './overlays.js';
 import { empty, spinner } from './parts.js';
+import { live } from './live.js';
 import { routeOf } from './route.js';
 import { setWindowTitle } from './shell.js';
-import { live, onChange, store, update } from './store.js';
+import { onChange, store } from './store.js';
 import { aboutView } from './views/about.js';
 import { dockerView } from './views/docker.js';
 import { homeView } from './views/home.js';
@@ -116,7 +116,3 @@ window.addEventListener('keydown', (event) => {
 
 draw();
 live();
-get('about').then(
-  (about) => update({ about }),
-  () => {},
-);
