@@ -1,0 +1,71 @@
+#include "tests/macos/running/scenarios/Machine.h"
+
+#include "app/Shell.h"
+#include "tests/macos/running/Surroundings.h"
+#include "tests/macos/running/runtime/References.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace harbrook::running {
+
+Machine::Machine() {
+    auto name = (std::filesystem::temp_directory_path() / "harbrook-machine-XXXXXX").string();
+    world.root = mkdtemp(name.data());
+    std::filesystem::create_directories(world.placeOf("/Users/ada"));
+}
+
+Machine::~Machine() {
+    std::filesystem::remove_all(world.root);
+}
+
+void Machine::addFile(const std::filesystem::path& path, const std::string& content) {
+    const auto place = world.placeOf(path);
+    std::filesystem::create_directories(place.parent_path());
+    std::ofstream(place) << content;
+}
+
+void Machine::addProgram(const std::filesystem::path& path, const std::string& script) {
+    addFile(path, "#!/bin/sh\n" + script);
+    std::filesystem::permissions(world.placeOf(path), std::filesystem::perms::owner_all);
+}
+
+void Machine::installServer(int port) {
+    addProgram(
+        "/Applications/Harbrook.app/Contents/Resources/runtime/node",
+        "echo HARBROOK_PORT " + std::to_string(port) + "\nexec sleep 1000\n");
+    addFile("/Applications/Harbrook.app/Contents/Resources/app/server.js", "");
+}
+
+void Machine::waitForPage() {
+    const auto asked = [this] {
+        return std::ranges::any_of(world.log.lines(), [](const auto& line) {
+            return line.find(" loadRequest: ") != std::string::npos;
+        });
+    };
+    ASSERT_TRUE(world.waitUntil(asked));
+}
+
+void Machine::run(const std::function<void()>& user) {
+    world.user = user;
+    {
+        const AutoreleasePool pool;
+        char name[] = "Harbrook";
+        char* arguments[] = {name, nullptr};
+        runShell(makePlatform(1, arguments));
+    }
+    // The children have ended; what they printed comes to its end, too.
+    EXPECT_TRUE(world.waitUntil([this] { return !world.isWatching(); })) << "a stream never comes to its end";
+    checkThatAllHasGone();
+}
+
+void Machine::checkThatAllHasGone() {
+    world.scheduler.shutDown();
+    forgetSurroundings();
+    for (const auto& object : livingObjects())
+        ADD_FAILURE() << object << " is still there after the program has ended";
+}
+
+} // namespace harbrook::running
