@@ -22,6 +22,7 @@ public:
     World& operator=(const World&) = delete;
 
     [[nodiscard]] static bool isThere();
+    [[nodiscard]] static bool hasApplication();
 
     recording::Scheduler scheduler;
     MessageLog log;

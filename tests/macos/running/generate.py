@@ -75,6 +75,16 @@ def signatures(fact):
             yield sign + owner, parsed.setter, "v" + letter(parsed.type), "", kind
 
 
+def root_signatures():
+    """What every object answers, which the table leaves to the root protocol's declaration."""
+    block = re.search(r"@protocol NSObject\n(.*?)@end", (HERE.parent / "sysroot/objc/objc.h").read_text(), re.S).group(1)
+    # What boxed 64-bit numbers are made with here.
+    yield "+NSNumber", "numberWithLong:", "@q", "NSNumber", "method"
+    for declaration in re.findall(r"^(- .*);", block, re.M):
+        method = fact_table.parse_method(declaration)
+        yield "-NSObject", method.selector, letter(method.result) + "".join(letter(p) for p in method.parameters), "", "method"
+
+
 def written_by_hand():
     sources = [f.read_text() for f in HERE.rglob("*.mm")]
     return {name for text in sources for name in re.findall(r"^@implementation (\w+)", text, re.M)}
@@ -103,6 +113,8 @@ def classes_source(facts):
     lines += [f"        &{f.owner}_class," for f in declared]
     lines += ["    };", "    return classes;", "}", "", "const std::vector<Signature>& declaredMessages() {",
               "    static const std::vector<Signature> messages = {"]
+    for owner, selector, types, result, kind in root_signatures():
+        lines.append(f'        {{"{owner}", "{selector}", "{types}", "{result}", Signature::Kind::{kind}, false}},')
     for fact in facts:
         desktop = "true" if fact.framework in ("AppKit", "WebKit") else "false"
         for owner, selector, types, result, kind in signatures(fact):

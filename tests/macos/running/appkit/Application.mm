@@ -92,6 +92,10 @@ void perform(NSMenuItem* item) {
 
 namespace harbrook::running {
 
+bool World::hasApplication() {
+    return NSApp != nil;
+}
+
 NSMenuItem* itemIn(NSMenu* menu, const std::vector<std::string>& titles, std::size_t from) {
     for (const auto& item : static_cast<StandInMenu*>(menu)->items) {
         if (static_cast<StandInMenuItem*>(item.get())->isSeparator ||

@@ -3,6 +3,8 @@
 #include "platform/recording/Format.h"
 #include "tests/macos/running/messages/Describe.h"
 
+#include <optional>
+
 using namespace harbrook::running;
 
 @interface StandInColor : NSColor {
@@ -23,7 +25,7 @@ using namespace harbrook::running;
 @interface StandInFont : NSFont {
 @public
     double size;
-    double weight;
+    std::optional<double> weight;
 }
 @end
 
@@ -73,6 +75,12 @@ using namespace harbrook::running;
 @end
 
 @implementation NSFont
+
++ (NSFont*)systemFontOfSize:(CGFloat)size {
+    StandInFont* const made = [StandInFont alloc];
+    made->size = size;
+    return objc_autorelease(made);
+}
 
 + (NSFont*)systemFontOfSize:(CGFloat)size weight:(CGFloat)weight {
     StandInFont* const made = [StandInFont alloc];
@@ -130,8 +138,10 @@ std::string describeColor(NSColor* color) {
 
 std::string describeFont(NSFont* font) {
     auto* const own = static_cast<StandInFont*>(font);
-    return recording::format(
-        Font{own->size, own->weight == NSFontWeightMedium ? FontWeight::medium : FontWeight::regular});
+    const bool isMedium = own->weight == NSFontWeightMedium;
+    const auto other = own->weight && !isMedium ? " " + recording::format(*own->weight) : "";
+    return recording::format(Font{own->size, isMedium ? std::optional(FontWeight::medium) : std::nullopt}) +
+           other;
 }
 
 void draw(NSImage* image) {

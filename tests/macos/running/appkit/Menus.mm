@@ -19,6 +19,14 @@ extern "C" SEL standInSelectorNamed(const char* name);
     static_cast<StandInMenu*>(self)->items.emplace_back(item);
 }
 
+- (NSMenuItem*)addItemWithTitle:(NSString*)title action:(SEL)action keyEquivalent:(NSString*)key {
+    NSMenuItem* const made = objc_autorelease([[NSMenuItem alloc] initWithTitle:title
+                                                                         action:action
+                                                                  keyEquivalent:key]);
+    [self addItem:made];
+    return made;
+}
+
 - (NSInteger)numberOfItems {
     return static_cast<NSInteger>(static_cast<StandInMenu*>(self)->items.size());
 }

@@ -24,6 +24,10 @@ BOOL report(const std::error_code& failure, NSError** error) {
     return [NSURL fileURLWithPath:text(world().environment["HOME"])];
 }
 
+- (NSString*)currentDirectoryPath {
+    return text(std::filesystem::current_path().native());
+}
+
 - (BOOL)fileExistsAtPath:(NSString*)path {
     return std::filesystem::exists(placeOf(path));
 }
@@ -82,6 +86,10 @@ BOOL report(const std::error_code& failure, NSError** error) {
     for (const auto& [name, value] : world().environment)
         [variables setObject:text(value) forKeyedSubscript:text(name)];
     return variables;
+}
+
+- (id)beginActivityWithOptions:(NSActivityOptions)options reason:(NSString*)reason {
+    return objc_autorelease([[NSObject alloc] init]);
 }
 
 - (int)processIdentifier {

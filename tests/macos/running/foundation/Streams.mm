@@ -37,6 +37,10 @@ std::string readPiece(int descriptor) {
     return descriptor < 0 ? nil : handleOf(descriptor);
 }
 
+- (int)fileDescriptor {
+    return descriptorOf(self);
+}
+
 - (NSData*)availableData {
     return dataOf(readPiece(descriptorOf(self)));
 }

@@ -35,6 +35,9 @@ bool isValue(const objc_class& which) {
 /// Questions that change nothing are left out of the log.
 bool isWorthNoting(const Message& message, const objc_class& which) {
     const std::string_view selector = message.selector->name;
+    if (selector == "writeToURL:atomically:") return true;
+    // The question that makes the application.
+    if (selector == "sharedApplication") return !World::hasApplication();
     if (isValue(which) || message.signature->kind == Kind::getter || selector == "standardWindowButton:")
         return false;
     const std::string_view owner = message.signature->owner;

@@ -22,7 +22,6 @@ bool openWindow(const std::optional<std::string>& address);
 void failProvisionally(
     const std::string& description, long code = 0, const std::string& domain = "NSURLErrorDomain");
 void failLoading(const std::string& description);
-void endPageProcess();
 void showAlert(const std::string& message, std::function<void()> answered);
 void askConfirmation(const std::string& message, std::function<void(bool)> answered);
 void forgetPage();

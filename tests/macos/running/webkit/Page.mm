@@ -144,11 +144,6 @@ void failLoading(const std::string& description) {
     [navigationDelegate() webView:page().view didFailNavigation:nil withError:error(description)];
 }
 
-void endPageProcess() {
-    const AutoreleasePool pool;
-    [navigationDelegate() webViewWebContentProcessDidTerminate:page().view];
-}
-
 void showAlert(const std::string& message, std::function<void()> answered) {
     const AutoreleasePool pool;
     const auto call = std::make_shared<OneCall>("the alert's completion handler");
