@@ -22,7 +22,9 @@
 namespace harbrook::gtk {
 
 GtkPlatform::GtkPlatform(StartedBy startedBy)
-    : application_(startedBy), statusBar_([this](const MenuItem& item) { application_.sendAction(item); }) {}
+    : application_(startedBy), statusBar_([this](const MenuItem& item, const std::string& activationToken) {
+          application_.sendAction(item, activationToken);
+      }) {}
 
 std::shared_ptr<DispatchSemaphore> GtkPlatform::makeSemaphore(int count) {
     return std::make_shared<Semaphore>(count);

@@ -135,6 +135,9 @@ class Menu:
 
         return row(self.call("GetLayout", "(iias)", parent, depth, list(names))[1])
 
+    def revision(self):
+        return self.call("GetLayout", "(iias)", 0, 0, [])[0]
+
     def outline(self):
         return self.layout().outline()[1]
 

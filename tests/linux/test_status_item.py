@@ -1,5 +1,7 @@
 """The status item and the watchers that come and go."""
 
+from pathlib import Path
+
 from harness.server import Plan
 from harness.tray import Watcher, answered, project
 from harness.waiting import stays, wait_until
@@ -24,7 +26,7 @@ def test_what_a_panel_reads_of_the_item(make_shell, desktop, watcher):
     watcher.arrive()
     make_shell(plan(SHOP, BLOG), desktop=desktop).start()
     item = watcher.item()
-    wait_until("the count is shown", lambda: item.property("XAyatanaLabel") == "2")
+    wait_until("the count is known", lambda: item.property("ToolTip")[3] == "2 running")
     found = item.properties()
     sides = [(width, height) for width, height, _ in found.pop("IconPixmap")]
     assert {(side, side) for side in (18, 22, 24, 32, 36, 44, 48)} <= set(sides)
@@ -45,8 +47,9 @@ def test_what_a_panel_reads_of_the_item(make_shell, desktop, watcher):
         "AttentionIconPixmap": [],
         "AttentionMovieName": "",
         "ToolTip": ("", [], "Harbrook", "2 running"),
-        "XAyatanaLabel": "2",
-        "XAyatanaLabelGuide": "2",
+        # The count is in the picture; beside it, it would stand there twice.
+        "XAyatanaLabel": "",
+        "XAyatanaLabelGuide": "",
         "XAyatanaOrderingIndex": 0,
     }
     assert item.menu.property("Version") == 3
@@ -127,7 +130,7 @@ def test_the_icon_follows_the_projects_and_stays_when_the_server_is_lost(make_sh
     item = watcher.item()
     item.menu.wait_for_outline(lambda rows: "(No projects running)" in rows)
     idle = shown_pixels(item)
-    assert item.property("XAyatanaLabel") == ""
+    assert item.property("ToolTip")[3] == ""
 
     _, heard = item.signals()
     changes = item.bus.signals(sender=item.name, member="NewIcon")
@@ -135,13 +138,34 @@ def test_the_icon_follows_the_projects_and_stays_when_the_server_is_lost(make_sh
     wait_until("a new icon is announced", lambda: changes)
     busy = shown_pixels(item)
     assert busy != idle
-    assert item.property("XAyatanaLabel") == "1"
+    assert item.property("ToolTip")[3] == "1 running"
 
     shell.server.answer("/api/state", status=500, body="lost")
     item.menu.wait_for_outline(lambda rows: "(Server not reachable)" in rows)
-    assert item.property("XAyatanaLabel") == ""
+    assert item.property("ToolTip")[3] == ""
     # Busy still, and only the count has gone.
     assert shown_pixels(item) not in (idle, busy)
+
+
+def test_a_watcher_that_knows_names_only_gets_a_name_and_the_count_as_text(make_shell, desktop, watcher):
+    watcher.bus.take_name("org.ayatana.indicator.application")
+    watcher.arrive()
+    shell = make_shell(plan(SHOP, BLOG), desktop=desktop)
+    shell.start()
+    item = watcher.item()
+    wait_until("the count is shown", lambda: item.property("XAyatanaLabel") == "2")
+    name, folder = item.property("IconName"), Path(item.property("IconThemePath"))
+    assert list(folder.glob(f"hicolor/*/apps/{name}.svg"))
+
+    labels = item.bus.signals(sender=item.name, member="XAyatanaNewLabel")
+    answer(shell, SHOP)
+    wait_until("the new count is announced", lambda: [arguments for _, _, arguments in labels] == [("1", "1")])
+
+    watcher.leave()
+    watcher.bus.drop_name("org.ayatana.indicator.application")
+    watcher.arrive()
+    again = watcher.item(1)
+    assert (again.property("IconName"), again.property("XAyatanaLabel")) == ("", "")
 
 
 def test_a_click_on_the_icon_opens_the_window(make_shell, desktop, watcher):

@@ -193,6 +193,8 @@ def test_rows_that_do_not_exist_are_errors(started):
         ("GetProperty", "(is)", (0, "nonsense")),
         ("AboutToShow", "(i)", (29999,)),
         ("Event", "(isvu)", (29999, "clicked", GLib.Variant("i", 0), 0)),
+        ("EventGroup", "(a(isvu))", ([(29999, "clicked", GLib.Variant("i", 0), 0)],)),
+        ("AboutToShowGroup", "(ai)", ([29998, 29999],)),
     ]:
         with pytest.raises(GLib.Error, match="InvalidArgs"):
             menu.call(method, kinds, *arguments)
@@ -243,6 +245,19 @@ def test_a_new_project_is_one_new_layout_and_the_others_keep_their_numbers(start
         assert after.find(*labels).number == before.find(*labels).number
     used = {row.number for row in before.children}
     assert after.find("blog").number not in used
+
+
+def test_a_new_layout_tells_which_of_the_rows_that_stay_have_changed(started):
+    shell, menu = started(SHOP, NOTES)
+    before = menu.layout()
+    heard = menu.signals()
+    change(shell, BLOG, SHOP, NOTES, redis=4)
+    wait_until("the layout is announced", lambda: [member for member, _, _ in heard][-1:] == ["LayoutUpdated"])
+    counts = before.find("PostgreSQL").number
+    label = "PostgreSQL: 0   Redis: 4   Containers: 0"
+    assert [(member, arguments) for member, _, arguments in heard[:-1]] == [
+        ("ItemsPropertiesUpdated", ([(counts, {"label": label, "enabled": False})], []))
+    ]
 
 
 def test_a_number_gets_no_new_meaning_at_once(started):
@@ -345,6 +360,26 @@ def test_a_host_that_asks_by_single_calls_gets_the_new_menu_by_the_answer(starte
     assert heard == []
     menu.event(0, "closed")
     wait_until("the other hosts hear of it", lambda: [member for member, _, _ in heard] == ["LayoutUpdated"])
+
+
+def test_an_opening_tells_which_of_the_rows_that_stay_have_changed(started):
+    shell, menu = started(SHOP)
+    menu.about_to_show()
+    before = menu.layout()
+    revision = menu.revision()
+    change(shell, SHOP, redis=4)
+    heard = menu.signals()
+    wait_for_polls(shell, 2)
+    assert menu.about_to_show() is True
+    wait_until("the row is announced", lambda: heard)
+    assert [(member, arguments[0][0][0]) for member, _, arguments in heard] == [
+        ("ItemsPropertiesUpdated", before.find("PostgreSQL").number)
+    ]
+    # Nothing came, went or moved, so nobody has to read the layout anew.
+    assert menu.revision() == revision
+    menu.event(0, "closed")
+    wait_for_polls(shell, 1)
+    assert len(heard) == 1
 
 
 def test_a_watcher_that_leaves_takes_the_open_menu_with_it(make_shell, desktop, watcher):

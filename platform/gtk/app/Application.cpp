@@ -5,6 +5,7 @@
 #include "platform/gtk/bus/SessionBus.h"
 #include "platform/gtk/foundation/Bundle.h"
 #include "platform/gtk/foundation/Identity.h"
+#include "platform/gtk/window/ActivationToken.h"
 #include "platform/gtk/window/Window.h"
 
 #include <glib-unix.h>
@@ -17,10 +18,9 @@ namespace harbrook::gtk {
 
 namespace {
 
-/// An installed tree can be anywhere, outside the directories that the icon theme knows.
 void addOwnIcons() {
-    const auto icons = currentExecutable().parent_path().parent_path() / "share" / "icons";
-    gtk_icon_theme_add_search_path(gtk_icon_theme_get_for_display(gdk_display_get_default()), icons.c_str());
+    gtk_icon_theme_add_search_path(
+        gtk_icon_theme_get_for_display(gdk_display_get_default()), iconDirectory().c_str());
 }
 
 } // namespace
@@ -139,7 +139,8 @@ std::shared_ptr<const Event> Application::currentEvent() {
     return nullptr;
 }
 
-void Application::sendAction(const MenuItem& item) {
+void Application::sendAction(const MenuItem& item, const std::string& activationToken) {
+    const ActivationToken token(activationToken);
     for (const auto& window : windows())
         window->dismissMenuBar();
     const bool startedTheProgram = std::exchange(awaitsMessage_, false);

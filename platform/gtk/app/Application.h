@@ -38,8 +38,8 @@ public:
 
     /// Performs the action of a chosen menu item: what the responder chain answers itself, or else the
     /// delegate's method of that name. A message that the bus has started the program for may ask for a view:
-    /// that waits until there is a page.
-    void sendAction(const MenuItem& item);
+    /// that waits until there is a page. With an activation token it may raise a window on Wayland.
+    void sendAction(const MenuItem& item, const std::string& activationToken = {});
     /// A page of the shell's is there for the first time.
     void firstPageDidAppear();
 

@@ -46,9 +46,8 @@ MenuBar::MenuBar(GtkWindow* window, GtkOverlay* overlay, GMenuModel* model)
         keys_, "key-pressed",
         [](GtkEventControllerKey* controller, guint key, guint, GdkModifierType state,
            void* self) noexcept -> gboolean {
-            const guint32 time =
-                gtk_event_controller_get_current_event_time(GTK_EVENT_CONTROLLER(controller));
-            return static_cast<MenuBar*>(self)->keyPressed(key, state, time);
+            GdkEvent* press = gtk_event_controller_get_current_event(GTK_EVENT_CONTROLLER(controller));
+            return static_cast<MenuBar*>(self)->keyPressed(key, state, press);
         },
         this);
     connections_.add(
@@ -126,10 +125,10 @@ void MenuBar::dismiss() {
     gtk_widget_set_visible(bar_.get(), FALSE);
 }
 
-gboolean MenuBar::keyPressed(guint key, GdkModifierType state, guint32 time) {
-    // A press that the page has left comes by a second time.
-    if (time && time <= lastPress_) return GDK_EVENT_PROPAGATE;
-    lastPress_ = time;
+gboolean MenuBar::keyPressed(guint key, GdkModifierType state, GdkEvent* press) {
+    // A press that the page has left comes by a second time, as the very same event.
+    if (press == lastPress_.get()) return GDK_EVENT_PROPAGATE;
+    lastPress_.reset(gdk_event_ref(press));
     altIsTapped_ = isAlt(key) && !(state & anyModifier);
     if (key == GDK_KEY_F10 && !(state & anyModifier)) {
         toggle();

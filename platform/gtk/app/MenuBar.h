@@ -22,7 +22,7 @@ public:
 private:
     void toggle();
     void watchItems();
-    gboolean keyPressed(guint key, GdkModifierType state, guint32 time);
+    gboolean keyPressed(guint key, GdkModifierType state, GdkEvent* press);
     gboolean itemKeyPressed(GtkWidget* item, guint key);
     void focusNeighbour(GtkWidget* item, bool next);
     void keyReleased(guint key);
@@ -36,7 +36,7 @@ private:
     GObjectPtr<GtkWidget> bar_;
     GObjectPtr<GtkWidget> focusBefore_;
     bool altIsTapped_ = false;
-    guint32 lastPress_ = 0;
+    std::unique_ptr<GdkEvent, FreeWith<gdk_event_unref>> lastPress_;
     guint pendingLeave_ = 0;
     GtkEventController* keys_ = nullptr;
     GtkEventController* pointer_ = nullptr;

@@ -23,6 +23,10 @@ fs::path resourceDirectory(const fs::path& executable) {
     return fs::is_directory(installed, ignored) ? installed : directory / "resources";
 }
 
+fs::path iconDirectory() {
+    return currentExecutable().parent_path().parent_path() / "share" / "icons";
+}
+
 fs::path currentExecutable() {
     std::error_code ignored;
     return fs::read_symlink("/proc/self/exe", ignored);

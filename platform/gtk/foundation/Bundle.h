@@ -20,6 +20,10 @@ private:
 /// installed, else `resources` beside it, as in a build tree.
 [[nodiscard]] std::filesystem::path resourceDirectory(const std::filesystem::path& executable);
 
+/// The theme folder of the icons that are installed with the running program. The tree can be anywhere,
+/// outside the folders where icons are looked for.
+[[nodiscard]] std::filesystem::path iconDirectory();
+
 /// The file of the running program, with symbolic links resolved.
 [[nodiscard]] std::filesystem::path currentExecutable();
 

@@ -34,13 +34,14 @@ bool DBusMenu::publish(const Menu& menu, Announcement announcement) {
     auto update = updatedLayout(*published_, menu, ids_);
     published_ = std::make_shared<const MenuLayout>(std::move(update.layout));
     if (update.kind == MenuUpdate::Kind::nothing) return false;
-    if (update.kind == MenuUpdate::Kind::layout) ++revision_;
+    // Of rows that stay, some hosts ask nothing anew for a changed layout alone.
+    if (!update.changed.empty()) announceProperties(update.changed);
+    if (update.kind == MenuUpdate::Kind::properties) return true;
+    ++revision_;
     if (announcement == Announcement::answer) {
         owesAnnouncement_ = true;
-    } else if (update.kind == MenuUpdate::Kind::layout) {
-        announceLayout();
     } else {
-        announceProperties(update.changed);
+        announceLayout();
     }
     return true;
 }

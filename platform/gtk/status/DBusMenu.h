@@ -36,8 +36,8 @@ public:
 
 private:
     using Invocation = GObjectPtr<GDBusMethodInvocation>;
-    /// How hosts learn of a change: by a signal to all of them, or first of all by the answer to the one that
-    /// asks. A strict host closes an open menu at the signal.
+    /// How hosts learn of a changed structure: by a signal to all of them, or first of all by the answer to
+    /// the one that asks. A strict host closes an open menu at the signal.
     enum class Announcement { signal, answer };
 
     /// `makeValue` may run on another thread.
@@ -69,7 +69,7 @@ private:
     /// Came while the published menu was open.
     std::optional<Menu> waiting_;
     std::uint32_t revision_ = 1;
-    /// The published menu was handed to the host that asked for it, and to no other.
+    /// The published structure was handed to the host that asked for it, and to no other.
     bool owesAnnouncement_ = false;
     MenuVisibility visibility_;
     std::unique_ptr<DBusObject> object_;

@@ -20,6 +20,9 @@ constexpr std::size_t namesAnsweredAtOnce = 20;
 /// What a host collects while its user moves over the menu is far less.
 constexpr std::size_t largestEventGroup = 1000;
 
+/// A group of which no row is known is an error by the protocol; of any other, the unknown ones are listed.
+constexpr const char* noKnownRow = "The menu has none of these rows";
+
 std::string unknownRow(std::int32_t id) {
     return "The menu has no row " + std::to_string(id);
 }
@@ -156,6 +159,7 @@ void DBusMenu::eventGroup(GVariant* arguments, Invocation invocation) {
             unknown.push_back(id);
         }
     }
+    if (events.empty() && !unknown.empty()) return returnInvalidArguments(std::move(invocation), noKnownRow);
     returnValue(std::move(invocation), g_variant_new("(@ai)", idArray(unknown)));
     for (const auto& [id, event] : events)
         hostSent(id, event);
@@ -171,9 +175,10 @@ void DBusMenu::aboutToShow(GVariant* arguments, Invocation invocation) {
 
 void DBusMenu::aboutToShowGroup(GVariant* arguments, Invocation invocation) {
     const GVariantPtr array(g_variant_get_child_value(arguments, 0));
+    const auto asked = ids(array.get());
     std::vector<std::int32_t> updates;
     std::vector<std::int32_t> unknown;
-    for (const auto id : ids(array.get())) {
+    for (const auto id : asked) {
         if (!published_->indexOf(id)) {
             unknown.push_back(id);
         } else if (hostIsAboutToShow(id, Announcement::signal)) {
@@ -181,6 +186,9 @@ void DBusMenu::aboutToShowGroup(GVariant* arguments, Invocation invocation) {
             // open.
             updates.push_back(id);
         }
+    }
+    if (!asked.empty() && unknown.size() == asked.size()) {
+        return returnInvalidArguments(std::move(invocation), noKnownRow);
     }
     returnValue(std::move(invocation), g_variant_new("(@ai@ai)", idArray(updates), idArray(unknown)));
 }

@@ -63,7 +63,7 @@ private:
 struct MenuUpdate {
     enum class Kind {
         nothing,
-        /// The same rows in the same order; `changed` of them have another label or enabled state.
+        /// The same rows in the same order, some of them changed.
         properties,
         /// Rows came, went or moved.
         layout,
@@ -71,6 +71,7 @@ struct MenuUpdate {
 
     Kind kind = Kind::nothing;
     MenuLayout layout;
+    /// Rows of both layouts that have another label or enabled state.
     std::vector<std::int32_t> changed;
 };
 

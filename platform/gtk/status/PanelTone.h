@@ -2,14 +2,17 @@
 
 #include "platform/gtk/bus/ColorScheme.h"
 #include "platform/gtk/foundation/GObjectPtr.h"
+#include "platform/gtk/foundation/SignalConnections.h"
 #include "platform/gtk/status/StatusPixmap.h"
 
 #include <gio/gio.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace harbrook::gtk {
 
@@ -26,19 +29,26 @@ public:
 
 private:
     void answered(GVariant* isDark);
+    void watchPlasma();
     void update();
     [[nodiscard]] PanelTone believed() const;
 
     std::function<void()> changed_;
-    bool isAlwaysDark_ = false;
     bool isXfce_ = false;
+    /// What the desktop's panel is in any case.
+    std::optional<PanelTone> fixed_;
     PanelTone tone_ = PanelTone::light;
     std::optional<DesktopColorScheme> preference_;
+    GObjectPtr<GFileMonitor> plasmaSettings_;
+    SignalConnections connections_;
 };
 
 /// Whether `name` is among the desktops of XDG_CURRENT_DESKTOP, which are separated by colons.
 [[nodiscard]] bool isAmongDesktops(std::string_view name, std::string_view desktops);
 /// Whether one of these desktops keeps a dark panel at all times.
 [[nodiscard]] bool hasDarkPanel(std::string_view desktops);
+/// The tone that a panel of Plasma has by its theme, as the first of these files tells that names one
+/// ("Theme", "name" in plasmarc), or none for a theme that follows the colours of windows.
+[[nodiscard]] std::optional<PanelTone> plasmaPanelTone(const std::vector<std::filesystem::path>& settings);
 
 } // namespace harbrook::gtk

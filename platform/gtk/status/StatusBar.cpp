@@ -1,7 +1,5 @@
 #include "platform/gtk/status/StatusBar.h"
 
-#include "platform/gtk/status/StatusItem.h"
-
 namespace harbrook::gtk {
 
 std::shared_ptr<harbrook::StatusItem> StatusBar::statusItemWithLength(double /*length*/) {

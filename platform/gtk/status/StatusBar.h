@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/StatusItem.h"
-
-#include <functional>
+#include "platform/gtk/status/StatusItem.h"
 
 namespace harbrook::gtk {
 
@@ -11,13 +9,12 @@ class StatusBar final : public harbrook::StatusBar {
 public:
     /// `performAction` carries out an item of a status menu that the user has chosen, as it does for the main
     /// menu.
-    explicit StatusBar(std::function<void(const MenuItem&)> performAction)
-        : performAction_(std::move(performAction)) {}
+    explicit StatusBar(StatusItem::Perform performAction) : performAction_(std::move(performAction)) {}
 
     std::shared_ptr<harbrook::StatusItem> statusItemWithLength(double length) override;
 
 private:
-    std::function<void(const MenuItem&)> performAction_;
+    StatusItem::Perform performAction_;
 };
 
 } // namespace harbrook::gtk

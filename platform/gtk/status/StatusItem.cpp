@@ -33,16 +33,18 @@ void StatusBarButton::update() {
     const auto badge = badgeText(title_);
     const auto label = title_.substr(std::min(title_.find_first_not_of(' '), title_.size()));
     notifier->setContent(
-        {label, badge.empty() ? label : label + " running",
-         image_ ? statusPixmaps(*image_, badge, tone_) : std::vector<Pixmap>()});
+        {image_ ? statusPixmaps(*image_, badge, tone_) : std::vector<Pixmap>(), label,
+         badge.empty() ? label : label + " running"});
 }
 
-StatusItem::StatusItem(DBusMenu::Perform perform)
-    : perform_(perform),
-      menu_(std::move(perform)),
+StatusItem::StatusItem(Perform perform)
+    : perform_(std::move(perform)),
+      menu_([this](const MenuItem& item) { this->perform(item); }),
       notifier_(std::make_shared<StatusNotifier>(
-          applicationName,
-          StatusNotifier::Handlers{[this] { performFirstItem(); }, [this] { menu_.hostsLeft(); }})),
+          applicationName, StatusNotifier::Handlers{
+                               [this] { performFirstItem(); },
+                               [this](std::string token) { activationToken_ = std::move(token); },
+                               [this] { menu_.hostsLeft(); }})),
       button_(std::make_shared<StatusBarButton>(notifier_)),
       toneWatch_(std::make_shared<PanelToneWatch>([this] { button_->setTone(toneWatch_->tone()); })) {
     button_->setTone(toneWatch_->tone());
@@ -67,7 +69,11 @@ void StatusItem::performFirstItem() {
         items, [](const MenuItem& item) { return item.isEnabled() && !item.action.empty(); });
     if (first == items.end()) return;
     // A copy: what it does may replace the menu.
-    perform_(MenuItem(*first));
+    perform(MenuItem(*first));
+}
+
+void StatusItem::perform(const MenuItem& item) {
+    perform_(item, std::exchange(activationToken_, {}));
 }
 
 } // namespace harbrook::gtk

@@ -35,7 +35,10 @@ private:
 /// a panel, it is just not seen.
 class StatusItem final : public harbrook::StatusItem, public std::enable_shared_from_this<StatusItem> {
 public:
-    explicit StatusItem(DBusMenu::Perform perform);
+    /// Called for an item that the user chooses, with the token by which it may raise a window, or none.
+    using Perform = std::function<void(const MenuItem&, const std::string& activationToken)>;
+
+    explicit StatusItem(Perform perform);
 
     /// Puts the item into the panel, as soon as there is one.
     void appear();
@@ -46,9 +49,12 @@ public:
 
 private:
     void exportOn(const GObjectPtr<GDBusConnection>& connection);
+    void perform(const MenuItem& item);
     void performFirstItem();
 
-    DBusMenu::Perform perform_;
+    Perform perform_;
+    /// For the click that it came with.
+    std::string activationToken_;
     DBusMenu menu_;
     // Their callbacks refer to what stands above.
     std::shared_ptr<StatusNotifier> notifier_;

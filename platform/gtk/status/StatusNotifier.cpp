@@ -2,6 +2,7 @@
 
 #include "platform/gtk/bus/DBusAnswer.h"
 #include "platform/gtk/bus/VariantText.h"
+#include "platform/gtk/foundation/Bundle.h"
 #include "platform/gtk/status/StatusNotifierInterface.h"
 
 namespace harbrook::gtk {
@@ -11,6 +12,12 @@ namespace {
 constexpr const char* itemPath = "/StatusNotifierItem";
 constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
+
+constexpr const char* symbolicIcon = "com.brackenforge.harbrook-symbolic";
+
+/// The watcher of the Ayatana indicators also goes by this name. It hands icons on by name, and shows a
+/// broken picture for one that has none (ayatana-indicator-application 22.2).
+constexpr const char* ayatanaName = "org.ayatana.indicator.application";
 
 /// A watcher may own its name a moment before it answers.
 constexpr int maximumRetries = 5;
@@ -37,13 +44,28 @@ GVariant* tooltip(const std::string& title, const std::string& text) {
 /// Where the bus calls back. What may come after the item has gone holds it weakly.
 struct StatusNotifier::Callbacks {
     static void appeared(
-        GDBusConnection* /*connection*/, const char* /*name*/, const char* /*owner*/,
-        gpointer self) noexcept {
-        static_cast<StatusNotifier*>(self)->watcherAppeared();
+        GDBusConnection* /*connection*/, const char* /*name*/, const char* owner, gpointer self) noexcept {
+        static_cast<StatusNotifier*>(self)->watcherAppeared(owner);
     }
 
     static void vanished(GDBusConnection* /*connection*/, const char* /*name*/, gpointer self) noexcept {
         static_cast<StatusNotifier*>(self)->watcherVanished();
+    }
+
+    struct Question {
+        std::weak_ptr<StatusNotifier> asker;
+        std::string watcher;
+    };
+
+    static void knowsAyatana(GObject* source, GAsyncResult* result, gpointer data) noexcept {
+        const std::unique_ptr<Question> question(static_cast<Question*>(data));
+        const GVariantPtr answer(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr));
+        const auto self = question->asker.lock();
+        if (!self) return;
+        const char* owner = "";
+        if (answer) g_variant_get(answer.get(), "(&s)", &owner);
+        self->wantsNames_ = question->watcher == owner;
+        self->registerItem();
     }
 
     static void registered(GObject* source, GAsyncResult* result, gpointer data) noexcept {
@@ -78,9 +100,13 @@ void StatusNotifier::exportOn(GObjectPtr<GDBusConnection> connection, const std:
         Callbacks::vanished, this, nullptr);
 }
 
-void StatusNotifier::watcherAppeared() {
+void StatusNotifier::watcherAppeared(const std::string& owner) {
     retries_ = 0;
-    registerItem();
+    g_dbus_connection_call(
+        object_->connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetNameOwner", g_variant_new("(s)", ayatanaName), G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, -1,
+        nullptr, Callbacks::knowsAyatana,
+        std::make_unique<Callbacks::Question>(Callbacks::Question{weak_from_this(), owner}).release());
 }
 
 void StatusNotifier::watcherVanished() {
@@ -109,14 +135,17 @@ void StatusNotifier::setContent(StatusContent content) {
     if (!object_) return;
     if (before.pixmaps != content_.pixmaps) object_->emitSignal("NewIcon");
     if (before.tooltip != content_.tooltip) object_->emitSignal("NewToolTip");
-    if (before.label != content_.label) {
+    if (wantsNames_ && before.label != content_.label) {
         GVariant* parts[] = {textVariant(content_.label), textVariant(content_.label)};
         object_->emitSignal("XAyatanaNewLabel", g_variant_new_tuple(parts, G_N_ELEMENTS(parts)));
     }
 }
 
 void StatusNotifier::handleMethod(
-    std::string_view method, GVariant* /*arguments*/, GObjectPtr<GDBusMethodInvocation> invocation) {
+    std::string_view method, GVariant* arguments, GObjectPtr<GDBusMethodInvocation> invocation) {
+    const char* token = nullptr;
+    if (method == "ProvideXdgActivationToken") g_variant_get(arguments, "(&s)", &token);
+    if (token) handlers_.activationTokenArrived(token);
     returnValue(std::move(invocation));
     if (method == "Activate") handlers_.activate();
 }
@@ -131,9 +160,13 @@ GVariant* StatusNotifier::property(std::string_view name) {
     if (name == "WindowId") return g_variant_new_int32(0);
     if (name == "XAyatanaOrderingIndex") return g_variant_new_uint32(0);
     if (name == "IconPixmap") return pixmapArray(content_.pixmaps);
+    if (name == "IconName" && wantsNames_) return g_variant_new_string(symbolicIcon);
+    if (name == "IconThemePath" && wantsNames_) return textVariant(iconDirectory().native());
     if (name == "OverlayIconPixmap" || name == "AttentionIconPixmap") return pixmapArray({});
     if (name == "ToolTip") return tooltip(title_, content_.tooltip);
-    if (name == "XAyatanaLabel" || name == "XAyatanaLabelGuide") return textVariant(content_.label);
+    if (name == "XAyatanaLabel" || name == "XAyatanaLabelGuide") {
+        return textVariant(wantsNames_ ? content_.label : std::string());
+    }
     // The names of icons: a panel shows the pixmaps only where there are none.
     return g_variant_new_string("");
 }

@@ -12,10 +12,11 @@ namespace harbrook::gtk {
 
 /// What a panel shows of a status item.
 struct StatusContent {
-    /// Text beside the icon, for the panels that have such a thing.
+    /// The picture, with the count in it.
+    std::vector<Pixmap> pixmaps;
+    /// The count, for the hosts that take no pixmaps and show text beside the icon instead.
     std::string label;
     std::string tooltip;
-    std::vector<Pixmap> pixmaps;
 };
 
 /// An item on the bus as org.kde.StatusNotifierItem, registered with every watcher that comes. No watcher is
@@ -25,6 +26,8 @@ public:
     struct Handlers {
         /// The user clicked the icon itself.
         std::function<void()> activate;
+        /// A click is about to arrive, and this token allows what it does to raise a window.
+        std::function<void(std::string)> activationTokenArrived;
         /// The watcher has gone, and the panel with it.
         std::function<void()> hostsLeft;
     };
@@ -44,7 +47,7 @@ public:
 private:
     struct Callbacks;
 
-    void watcherAppeared();
+    void watcherAppeared(const std::string& owner);
     void watcherVanished();
     void registerItem();
     void registrationFailed();
@@ -54,6 +57,8 @@ private:
     StatusContent content_;
     std::string menuPath_;
     std::unique_ptr<DBusObject> object_;
+    /// The watcher's host knows icons by name only.
+    bool wantsNames_ = false;
     guint watch_ = 0;
     guint retry_ = 0;
     int retries_ = 0;

@@ -38,6 +38,9 @@ inline constexpr const char* statusNotifierInterface = R"xml(
       <arg name="x" type="i" direction="in"/>
       <arg name="y" type="i" direction="in"/>
     </method>
+    <method name="ProvideXdgActivationToken">
+      <arg name="token" type="s" direction="in"/>
+    </method>
     <method name="Scroll">
       <arg name="delta" type="i" direction="in"/>
       <arg name="orientation" type="s" direction="in"/>
