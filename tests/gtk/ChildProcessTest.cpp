@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -32,6 +33,18 @@ protected:
         const auto position = status.find(field + ":\t");
         if (position == std::string::npos) return ~0ULL;
         return std::stoull(status.substr(position + field.size() + 2), nullptr, 16) & ~reserved;
+    }
+
+    /// As the system gives one when no descriptor is left.
+    [[nodiscard]] static std::shared_ptr<Pipe> pipeWithoutDescriptors() {
+        auto& platform = gtkPlatform();
+        rlimit usual{};
+        getrlimit(RLIMIT_NOFILE, &usual);
+        const rlimit none{0, usual.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        auto pipe = platform.makePipe();
+        setrlimit(RLIMIT_NOFILE, &usual);
+        return pipe;
     }
 
     [[nodiscard]] static std::size_t openDescriptors() {
@@ -98,6 +111,24 @@ TEST_F(ChildProcess, launch_errors_say_what_is_wrong) {
     const auto error = task->launchAndReturnError();
     ASSERT_TRUE(error.has_value());
     EXPECT_THAT(error->localizedDescription, HasSubstr("nowhere: No such file"));
+}
+
+TEST_F(ChildProcess, without_descriptors_for_its_streams_is_not_started_on_the_shells_own) {
+    const auto task = shell("echo leaked");
+    task->setStandardOutput(pipeWithoutDescriptors());
+    const auto error = task->launchAndReturnError();
+    ASSERT_TRUE(error.has_value());
+    EXPECT_THAT(error->localizedDescription, HasSubstr("Too many open files"));
+}
+
+TEST_F(ChildProcess, output_without_a_descriptor_is_at_its_end) {
+    const auto pipe = pipeWithoutDescriptors();
+    std::atomic<int> ends = 0;
+    pipe->fileHandleForReading()->setReadabilityHandler([&](FileHandle& handle) {
+        if (handle.availableData().empty()) ++ends;
+    });
+    EXPECT_TRUE(runMainLoopUntil([&] { return ends == 1; }, 5));
+    pipe->fileHandleForReading()->setReadabilityHandler(nullptr);
 }
 
 TEST_F(ChildProcess, is_reaped_as_soon_as_it_ends_by_itself) {

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <fstream>
 
@@ -220,11 +221,45 @@ TEST_F(MenuBarPicture, leaves_the_icon_empty_when_its_file_has_gone) {
 TEST(PanelTone, knows_the_desktops_with_dark_panels) {
     EXPECT_TRUE(hasDarkPanel("GNOME"));
     EXPECT_TRUE(hasDarkPanel("ubuntu:GNOME"));
+    EXPECT_TRUE(hasDarkPanel("X-Cinnamon"));
     EXPECT_FALSE(hasDarkPanel("XFCE"));
     EXPECT_FALSE(hasDarkPanel("KDE"));
     EXPECT_FALSE(hasDarkPanel("LXQt"));
     EXPECT_FALSE(hasDarkPanel(""));
     EXPECT_FALSE(hasDarkPanel("GNOMEISH"));
+}
+
+TEST_F(MenuBarPicture, of_a_file_that_has_changed_is_the_new_one) {
+    const auto path = write("mark@2x.png", 36, false);
+    ASSERT_EQ(imageWithContentsOfURL(path)->size, (Size{36, 36}));
+    write("mark@2x.png", 72, false);
+    std::filesystem::last_write_time(
+        path, std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_EQ(imageWithContentsOfURL(path)->size, (Size{72, 72}));
+}
+
+class PlasmaPanel : public MenuBarPicture {
+protected:
+    [[nodiscard]] std::optional<PanelTone> toneOf(const std::string& user, const std::string& system) const {
+        std::ofstream(folder / "user") << user;
+        std::ofstream(folder / "system") << system;
+        return plasmaPanelTone({folder / "none", folder / "user", folder / "system"});
+    }
+};
+
+TEST_F(PlasmaPanel, has_the_tone_that_its_theme_names) {
+    EXPECT_EQ(toneOf("[Theme]\nname=breeze-dark\n", ""), PanelTone::dark);
+    EXPECT_EQ(toneOf("[Theme]\nname=breeze-light\n", ""), PanelTone::light);
+}
+
+TEST_F(PlasmaPanel, follows_the_windows_where_its_theme_does) {
+    EXPECT_EQ(toneOf("[Theme]\nname=default\n", "[Theme]\nname=breeze-dark\n"), std::nullopt);
+    EXPECT_EQ(toneOf("", ""), std::nullopt);
+    EXPECT_EQ(toneOf("not a settings file", "[Other]\nname=breeze-dark\n"), std::nullopt);
+}
+
+TEST_F(PlasmaPanel, takes_the_systems_theme_where_the_user_has_chosen_none) {
+    EXPECT_EQ(toneOf("[Wallpapers]\nusersWallpapers=a\n", "[Theme]\nname=breeze-dark\n"), PanelTone::dark);
 }
 
 } // namespace

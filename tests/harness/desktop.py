@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
 import uuid
@@ -157,6 +158,10 @@ class Desktop:
         """The session bus ends under all that is running."""
         self._bus_daemon.kill()
         self._bus_daemon.wait()
+
+    def stall_bus(self, stalled=True):
+        """The session bus answers nobody, until it is told to go on."""
+        self._bus_daemon.send_signal(signal.SIGSTOP if stalled else signal.SIGCONT)
 
     def _refuse_bus(self):
         """Keeps programs from launching a bus by themselves, which some systems let them."""

@@ -270,6 +270,14 @@ def test_a_choice_cancelled_at_the_portal_is_not_mentioned(at_portal, make_porta
     assert picked(at_portal) == [["folder", "/srv", ""]]
 
 
+def test_the_shells_own_panel_takes_the_place_of_a_portal_that_goes_away(at_portal, make_portal):
+    portal = make_portal()
+    at_portal.server.evaluate("post({k: 'pickFolder'}); true")
+    portal.question()
+    portal.close()
+    panel(at_portal)
+
+
 def test_a_portal_that_cannot_choose_folders_is_passed_over(at_portal, make_portal):
     portal = make_portal(version=2)
     at_portal.server.evaluate("post({k: 'pickFolder'}); true")

@@ -8,7 +8,7 @@ import pytest
 
 from harness.processes import is_alive
 from harness.server import READY, Plan, end_slowly, ignore, last_words, serve
-from harness.waiting import stays
+from harness.waiting import PATIENCE, stays, wait_until
 
 
 @pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGINT, signal.SIGHUP], ids=lambda number: number.name)
@@ -41,6 +41,58 @@ def test_the_program_waits_for_a_server_that_ignores_the_request(make_shell):
     stays("the program waits", lambda: shell.program.poll() is None, during=3)
     shell.server.do({"do": "exit"})
     assert shell.wait() == 0
+    shell.wait_until_ended()
+
+
+def test_a_second_request_kills_a_server_that_ignores_the_first(make_shell):
+    shell = make_shell(Plan([*READY, ignore("SIGTERM")]))
+    shell.start()
+    shell.server.wait_for_page()
+    shell.signal()
+    shell.server.wait_for("signal")
+    # What follows at once is taken for the same request, as a shutdown sends several signals.
+    shell.signal(signal.SIGHUP)
+    stays("the program waits", lambda: shell.program.poll() is None, during=0.5)
+
+    def ask_again():
+        if shell.program.poll() is None:
+            shell.signal(signal.SIGINT)
+        return shell.program.poll() is not None
+
+    wait_until("the program has ended", ask_again)
+    assert shell.wait() == 0
+    shell.wait_until_ended()
+
+
+def test_a_new_start_runs_while_the_last_one_waits_for_its_server(make_shell, watcher, desktop):
+    watcher.arrive()
+    shell = make_shell(Plan([*READY, ignore("SIGTERM")]), desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    item = watcher.item()
+    stubborn = shell.server
+    shell.signal()
+    stubborn.wait_for("signal")
+    wait_until("the item has gone", lambda: not watcher.bus.owner(item.name))
+    waiting = shell.program
+    shell.start()
+    wait_until("a second server runs", lambda: len(shell.switchboard.servers) == 2)
+    shell.server.wait_for_page()
+    assert watcher.item(1).property("Id") == "Harbrook"
+    assert waiting.poll() is None
+    stubborn.do({"do": "exit"})
+    assert waiting.wait(PATIENCE) == 0
+
+
+def test_the_login_shell_that_looks_for_an_interpreter_ends_with_the_program(make_shell, tmp_path):
+    noted = tmp_path / "login-shell"
+    login_shell = tmp_path / "slow-shell"
+    login_shell.write_text(f"#!/bin/sh\necho $$ >{noted}\nexec sleep 600\n")
+    login_shell.chmod(0o755)
+    shell = make_shell(plan=None, environment={"SHELL": str(login_shell)})
+    shell.start()
+    wait_until("the search is under way", lambda: noted.exists() and noted.read_text())
+    shell.quit()
     shell.wait_until_ended()
 
 

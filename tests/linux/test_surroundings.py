@@ -7,6 +7,7 @@ from pathlib import Path
 import pytest
 
 from harness import processes
+from harness.tray import Watcher
 
 NEVER_ANSWERS = "/bin/sleep 600"
 
@@ -50,6 +51,20 @@ def test_it_outlives_its_session_bus(make_desktop, make_shell):
     shell.server.wait_for_request("/api/state", after=len(shell.server.events))
     assert shell.server.evaluate("document.readyState") == "complete"
     shell.quit()
+
+
+def test_a_session_bus_that_is_slow_is_taken_when_it_comes(make_desktop, make_shell):
+    desktop = make_desktop()
+    shell = make_shell(desktop=desktop)
+    watcher = Watcher(desktop).arrive()
+    try:
+        desktop.stall_bus()
+        assert_starts_promptly(shell)
+        desktop.stall_bus(False)
+        assert watcher.item().property("Id") == "Harbrook"
+    finally:
+        desktop.stall_bus(False)
+        watcher.close()
 
 
 def sandbox_is_possible():

@@ -4,14 +4,12 @@
 #include "platform/gtk/app/EditingActions.h"
 #include "platform/gtk/bus/SessionBus.h"
 #include "platform/gtk/foundation/Bundle.h"
+#include "platform/gtk/foundation/ChildProcess.h"
 #include "platform/gtk/foundation/Identity.h"
 #include "platform/gtk/window/ActivationToken.h"
 #include "platform/gtk/window/Window.h"
 
-#include <glib-unix.h>
-
 #include <algorithm>
-#include <csignal>
 #include <utility>
 
 namespace harbrook::gtk {
@@ -46,11 +44,6 @@ Application::Application(StartedBy startedBy) : awaitsMessage_(startedBy == Star
         [](GtkApplication*, void* self) noexcept { static_cast<Application*>(self)->willEnd(); }, this);
 }
 
-Application::~Application() {
-    for (const guint source : terminationSignals_)
-        g_source_remove(source);
-}
-
 void Application::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
     delegate_ = std::move(delegate);
 }
@@ -58,13 +51,7 @@ void Application::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
 void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
 
 void Application::run() {
-    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-        const auto received = [](void* self) noexcept -> gboolean {
-            static_cast<Application*>(self)->terminate();
-            return G_SOURCE_CONTINUE;
-        };
-        terminationSignals_.push_back(g_unix_signal_add(number, received, this));
-    }
+    terminationSignals_.emplace(nullptr, [this] { terminate(); });
     portalBypass_.emplace();
     // The command line has been dealt with. None of it is for the toolkit.
     g_application_run(G_APPLICATION(application_.get()), 0, nullptr);
@@ -95,11 +82,22 @@ void Application::didActivate() {
 }
 
 void Application::willEnd() {
-    // What the delegate does last may take long. The user should not face windows that no longer answer.
+    leaveSession();
+    // The delegate waits for a server however long it takes to end. Whoever asks a second time means it.
+    const ImpatientRequests impatience([] { ChildProcess::killAll(); });
+    if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate();
+    // The login shell that is still looking for an interpreter, say.
+    ChildProcess::terminateAll();
+}
+
+/// What the delegate does last may take long. The user should not face windows that no longer answer, nor a
+/// new start be taken for a call of this program that is on its way out.
+void Application::leaveSession() {
     for (const auto& window : windows())
         window->orderOut();
     if (auto* display = gdk_display_get_default()) gdk_display_flush(display);
-    if (const auto delegate = delegate_.lock()) delegate->applicationWillTerminate();
+    auto* bus = g_application_get_dbus_connection(G_APPLICATION(application_.get()));
+    if (bus) g_dbus_connection_close_sync(bus, nullptr, nullptr);
 }
 
 void Application::terminate() {

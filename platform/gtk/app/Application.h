@@ -3,6 +3,7 @@
 #include "platform/Application.h"
 #include "platform/gtk/app/CommandLine.h"
 #include "platform/gtk/app/MainMenu.h"
+#include "platform/gtk/app/TerminationSignals.h"
 #include "platform/gtk/bus/PortalBypass.h"
 #include "platform/gtk/foundation/SignalConnections.h"
 
@@ -24,7 +25,6 @@ public:
     /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
     /// before the process has other threads.
     explicit Application(StartedBy startedBy);
-    ~Application() override;
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     /// There is one policy: an application with windows, menus and a launcher entry.
@@ -55,6 +55,7 @@ private:
     void didStart();
     void didActivate();
     void willEnd();
+    void leaveSession();
     bool performStandardAction(std::string_view selector);
     void performDelegateAction(const MenuItem& item);
     [[nodiscard]] std::vector<std::shared_ptr<Window>> windows() const;
@@ -72,7 +73,7 @@ private:
     bool hasPage_ = false;
     /// What that message asked for before there was a page.
     std::optional<MenuItem> launchAction_;
-    std::vector<guint> terminationSignals_;
+    std::optional<TerminationSignals> terminationSignals_;
     SignalConnections connections_;
 };
 

@@ -83,9 +83,10 @@ bool answers(const std::string& name) {
     }
 }
 
-bool sessionBusAnswers() {
-    const std::string whole = sessionBusAddress();
-    std::string_view entries = whole;
+/// Written before there are other threads.
+std::string slowAddress;
+
+bool oneAnswers(std::string_view entries) {
     while (!entries.empty()) {
         const auto entry = entries.substr(0, entries.find(';'));
         entries.remove_prefix(std::min(entries.size(), entry.size() + 1));
@@ -98,10 +99,16 @@ bool sessionBusAnswers() {
 
 } // namespace
 
+const std::string& slowSessionBusAddress() {
+    return slowAddress;
+}
+
 void doWithoutUnresponsiveSessionBus() {
     // An empty address, unlike a missing one, keeps the libraries from looking for a bus elsewhere or
     // starting one.
-    if (sessionBusAnswers()) return;
+    const std::string address = sessionBusAddress();
+    if (oneAnswers(address)) return;
+    slowAddress = address;
     g_setenv(addressVariable, "", TRUE);
     // The toolkit's accessibility takes it that an application is on the session bus, and fails without.
     g_setenv("GTK_A11Y", "none", FALSE);

@@ -11,6 +11,48 @@
 
 namespace harbrook::gtk {
 
+namespace {
+
+/// All children that may still run. Never destroyed: workers may start one while the process ends.
+struct Children {
+    std::mutex mutex;
+    std::vector<std::weak_ptr<ChildProcess>> list;
+};
+
+Children& children() {
+    static Children& all = *std::make_unique<Children>().release();
+    return all;
+}
+
+std::vector<std::shared_ptr<ChildProcess>> remembered() {
+    auto& all = children();
+    const std::lock_guard lock(all.mutex);
+    std::vector<std::shared_ptr<ChildProcess>> alive;
+    for (const auto& one : all.list) {
+        if (auto child = one.lock()) alive.push_back(std::move(child));
+    }
+    return alive;
+}
+
+void remember(const std::shared_ptr<ChildProcess>& child) {
+    auto& all = children();
+    const std::lock_guard lock(all.mutex);
+    std::erase_if(all.list, [](const auto& one) { return one.expired(); });
+    all.list.push_back(child);
+}
+
+} // namespace
+
+void ChildProcess::terminateAll() {
+    for (const auto& child : remembered())
+        child->terminate();
+}
+
+void ChildProcess::killAll() {
+    for (const auto& child : remembered())
+        child->send({SIGKILL});
+}
+
 std::variant<std::shared_ptr<ChildProcess>, Error> ChildProcess::launch(const LaunchPlan& plan) {
     auto child = std::make_shared<ChildProcess>();
     // The thread comes first: once the child runs, nothing may fail any more.
@@ -25,6 +67,7 @@ std::variant<std::shared_ptr<ChildProcess>, Error> ChildProcess::launch(const La
         return std::move(*error);
     }
     child->changeState(State::running, std::get<pid_t>(outcome));
+    remember(child);
     return child;
 }
 
@@ -54,12 +97,16 @@ void ChildProcess::reapWhenExited() noexcept {
     stateChanged_.notify_all();
 }
 
-void ChildProcess::terminate() {
+void ChildProcess::send(std::initializer_list<int> signals) {
     const std::lock_guard lock(mutex_);
     if (state_ != State::running) return;
-    kill(identifier_, SIGTERM);
-    // One that is stopped takes the request only when it goes on. To any other this says nothing.
-    kill(identifier_, SIGCONT);
+    for (const int number : signals)
+        kill(identifier_, number);
+}
+
+void ChildProcess::terminate() {
+    // One that is stopped takes the request only when it goes on. To any other the second says nothing.
+    send({SIGTERM, SIGCONT});
 }
 
 void ChildProcess::waitUntilExit() {

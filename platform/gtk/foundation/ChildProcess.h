@@ -8,6 +8,7 @@
 #include <array>
 #include <condition_variable>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -41,9 +42,16 @@ public:
     /// Blocks until the child has exited and been reaped. Any thread.
     void waitUntilExit();
 
+    /// Has every child that still runs terminate, for a process that is about to end: nobody would wait for
+    /// them any more. Any thread.
+    static void terminateAll();
+    /// Kills every child that still runs. Any thread.
+    static void killAll();
+
 private:
     enum class State { starting, running, over };
 
+    void send(std::initializer_list<int> signals);
     void changeState(State state, pid_t identifier);
     void reapWhenExited() noexcept;
 

@@ -124,6 +124,8 @@ std::size_t FileHandle::readableNow() const {
 }
 
 void FileHandle::waitUntilReadable() const {
+    // Reading will tell; a poll of nothing would wait for ever.
+    if (descriptor() < 0) return;
     pollfd readable{descriptor(), POLLIN, 0};
     retryWhenInterrupted([&readable] { return poll(&readable, 1, -1); });
 }

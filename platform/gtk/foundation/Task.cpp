@@ -1,5 +1,8 @@
 #include "platform/gtk/foundation/Task.h"
 
+#include <cerrno>
+#include <system_error>
+
 namespace harbrook::gtk {
 
 namespace {
@@ -48,16 +51,24 @@ void Task::setStandardError(std::shared_ptr<harbrook::FileHandle> handle) {
 
 std::optional<Error> Task::launchAndReturnError() {
     if (child_) return Error{"The program was started before."};
-    if (standardInput_) plan_.streams[0] = standardInput_->reading().descriptor();
-    if (standardOutput_) plan_.streams[1] = standardOutput_->writing().descriptor();
-    if (standardErrorPipe_) plan_.streams[2] = standardErrorPipe_->writing().descriptor();
-    if (standardErrorHandle_) plan_.streams[2] = standardErrorHandle_->descriptor();
+    if (!connectStreams()) return Error{std::generic_category().message(EMFILE)};
 
     auto outcome = ChildProcess::launch(plan_);
     if (auto* error = std::get_if<Error>(&outcome)) return std::move(*error);
     child_ = std::get<std::shared_ptr<ChildProcess>>(std::move(outcome));
     closeChildsEnds();
     return std::nullopt;
+}
+
+bool Task::connectStreams() {
+    const auto connect = [this](std::size_t stream, int descriptor) {
+        plan_.streams[stream] = descriptor;
+        return descriptor >= 0;
+    };
+    return (!standardInput_ || connect(0, standardInput_->reading().descriptor())) &&
+           (!standardOutput_ || connect(1, standardOutput_->writing().descriptor())) &&
+           (!standardErrorPipe_ || connect(2, standardErrorPipe_->writing().descriptor())) &&
+           (!standardErrorHandle_ || connect(2, standardErrorHandle_->descriptor()));
 }
 
 void Task::closeChildsEnds() {

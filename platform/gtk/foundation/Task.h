@@ -25,6 +25,9 @@ public:
     void waitUntilExit() override;
 
 private:
+    /// False when a stream that was asked for has no descriptor, because the system had none left: the child
+    /// would get the shell's own instead.
+    bool connectStreams();
     void closeChildsEnds();
 
     LaunchPlan plan_;

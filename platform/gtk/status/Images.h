@@ -10,7 +10,8 @@
 
 namespace harbrook::gtk {
 
-/// The picture in a file at its own size in pixels, or none when the file cannot be decoded as an image.
+/// The picture in a file at its own size in pixels, or none when the file cannot be decoded as an image. Main
+/// thread.
 [[nodiscard]] std::optional<Image> imageWithContentsOfURL(const std::filesystem::path& path);
 
 /// The pixels of a picture file that is to be shown at `side` pixels, or null when it cannot be read. Of a

@@ -112,15 +112,18 @@ void PortalFolderChooser::open() {
     subscription_ = g_dbus_connection_signal_subscribe(
         bus_.get(), portal::name, requestInterface, "Response", requestPath(bus_.get(), token).c_str(),
         nullptr, G_DBUS_SIGNAL_FLAGS_NONE, response, this, nullptr);
+    const auto vanished = [](GDBusConnection*, const char*, void* self) noexcept {
+        static_cast<PortalFolderChooser*>(self)->fail();
+    };
+    watch_ = g_bus_watch_name_on_connection(
+        bus_.get(), portal::name, G_BUS_NAME_WATCHER_FLAGS_NONE, nullptr, vanished, this, nullptr);
 
     const auto finished = [](GObject* source, GAsyncResult* result, void* data) noexcept {
         GError* failure = nullptr;
         const GVariantPtr handle(g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, &failure));
         const GErrorPtr error(failure);
         if (!error || g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_CANCELLED)) return;
-        auto& self = *static_cast<PortalFolderChooser*>(data);
-        self.stopListening();
-        self.unavailable_();
+        static_cast<PortalFolderChooser*>(data)->fail();
     };
     g_dbus_connection_call(
         bus_.get(), portal::name, portal::path, chooserInterface, "OpenFile",
@@ -151,7 +154,16 @@ void PortalFolderChooser::responded(GVariant* parameters) {
     answered(folder);
 }
 
+void PortalFolderChooser::fail() {
+    stopListening();
+    g_cancellable_cancel(pending_.get());
+    // The receiver may let go of this object.
+    const auto unavailable = unavailable_;
+    unavailable();
+}
+
 void PortalFolderChooser::stopListening() {
+    if (watch_) g_bus_unwatch_name(std::exchange(watch_, 0));
     if (subscription_) g_dbus_connection_signal_unsubscribe(bus_.get(), std::exchange(subscription_, 0));
 }
 

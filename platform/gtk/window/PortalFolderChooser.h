@@ -26,7 +26,8 @@ public:
     using Unavailable = std::function<void()>;
 
     /// Ends in one call: of `answered` with the folder, or with none if the user chose none; or of
-    /// `unavailable` if no portal that can choose folders answers within a second.
+    /// `unavailable` if no portal that can choose folders answers within a second, or if it goes away with
+    /// its dialog.
     PortalFolderChooser(Question question, Answered answered, Unavailable unavailable);
     PortalFolderChooser(const PortalFolderChooser&) = delete;
     PortalFolderChooser& operator=(const PortalFolderChooser&) = delete;
@@ -38,6 +39,7 @@ private:
     void gotVersion(GVariant* answer);
     void open();
     void responded(GVariant* parameters);
+    void fail();
     void stopListening();
 
     Question question_;
@@ -46,6 +48,7 @@ private:
     GObjectPtr<GCancellable> pending_;
     GObjectPtr<GDBusConnection> bus_;
     guint subscription_ = 0;
+    guint watch_ = 0;
 };
 
 } // namespace harbrook::gtk
