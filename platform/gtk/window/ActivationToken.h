@@ -9,11 +9,15 @@ namespace harbrook::gtk {
 /// compositor leaves a covered window where it is. Nothing on X11, or where the token is empty. Main thread.
 class ActivationToken {
 public:
-    explicit ActivationToken(const std::string& token);
+    explicit ActivationToken(std::string token);
     ActivationToken(const ActivationToken&) = delete;
     ActivationToken& operator=(const ActivationToken&) = delete;
-    /// A token that no window has used is forgotten: it would not fit what the user asks for next.
+    /// The action is over, whether or not it has shown a window: the compositor need not expect one any more
+    /// (GNOME shows a busy pointer meanwhile), and the token would not fit what the user asks for next.
     ~ActivationToken();
+
+private:
+    std::string token_;
 };
 
 } // namespace harbrook::gtk
