@@ -18,8 +18,8 @@ GdkDisplay* waylandDisplay() {
 ActivationToken::ActivationToken(std::string token) : token_(std::move(token)) {
     auto* display = waylandDisplay();
     if (token_.empty() || !display) return;
-    // GTK 4.8 takes the token from the display whenever it presents a window. `gtk_window_set_startup_id` does
-    // not reach it there.
+    // GTK 4.8 takes the token from the display whenever it presents a window. `gtk_window_set_startup_id`
+    // does not reach it there.
     gdk_wayland_display_set_startup_notification_id(display, token_.c_str());
 }
 
