@@ -27,6 +27,10 @@ protected:
         fs::create_directories(instances() / name);
         std::ofstream(instances() / name / "bwrapinfo.json") << "{}";
     }
+    void noteStart(const std::string& process) const {
+        fs::create_directories(runtime_ / "harbrook");
+        std::ofstream(runtime_ / "harbrook" / process);
+    }
     [[nodiscard]] fs::path instances() const { return runtime_ / ".flatpak"; }
     [[nodiscard]] std::set<std::string> names() const {
         std::set<std::string> all;
@@ -45,18 +49,33 @@ protected:
     fs::path runtime_;
 };
 
-TEST_F(EngineLeftovers, of_processes_that_are_gone_are_removed) {
+TEST_F(EngineLeftovers, of_earlier_starts_that_are_gone_are_removed) {
     const auto gone = goneProcess();
+    noteStart(gone);
     make("webkit-" + gone + "-4");
     make("webkit-" + gone + "-12");
     removeEngineLeftovers(runtime_);
     EXPECT_THAT(names(), testing::IsEmpty());
+    EXPECT_FALSE(fs::exists(runtime_ / "harbrook" / gone));
+}
+
+TEST_F(EngineLeftovers, of_other_programs_that_are_gone_stay) {
+    const auto theirs = "webkit-" + goneProcess() + "-4";
+    make(theirs);
+    removeEngineLeftovers(runtime_);
+    EXPECT_THAT(names(), testing::ElementsAre(theirs));
+}
+
+TEST_F(EngineLeftovers, of_this_start_are_for_a_later_one_to_remove) {
+    removeEngineLeftovers(runtime_);
+    EXPECT_TRUE(fs::exists(runtime_ / "harbrook" / std::to_string(getpid())));
 }
 
 TEST_F(EngineLeftovers, of_processes_that_run_stay) {
     const auto own = "webkit-" + std::to_string(getpid()) + "-4";
     make(own);
     make("webkit-1-4");
+    noteStart("1");
     removeEngineLeftovers(runtime_);
     EXPECT_THAT(names(), testing::UnorderedElementsAre(own, "webkit-1-4"));
 }
@@ -67,6 +86,9 @@ TEST_F(EngineLeftovers, what_others_have_put_there_stays) {
         gone, "webkit-" + gone, "webkit-x-4", "webkit--4", "webkit-99999999999999999999-4", "1234567"};
     for (const auto& name : others)
         make(name);
+    for (const auto* start : {"x", "", "99999999999999999999"})
+        noteStart(start);
+    noteStart(gone);
     removeEngineLeftovers(runtime_);
     EXPECT_EQ(names(), others);
 }

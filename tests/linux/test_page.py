@@ -32,6 +32,13 @@ def test_frames_of_the_page_have_neither_token_nor_class(make_shell):
     assert shell.server.evaluate(FINDINGS) == [nothing, nothing]
 
 
+def test_a_document_that_is_no_page_of_the_servers_has_neither_token_nor_class(running):
+    found = "typeof window.__FC_TOKEN + '/' + document.documentElement.className"
+    document = f"<script>fetch('http://localhost:{running.server.port}/found/' + {found})</script>"
+    running.server.run(f"location = URL.createObjectURL(new Blob([{document!r}], {{type: 'text/html'}}))")
+    running.server.wait_for_request("/found/undefined/")
+
+
 def test_a_reloaded_page_has_the_same_token(running):
     token = running.server.evaluate("window.first.token")
     running.server.run("location.reload()")

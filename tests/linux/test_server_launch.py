@@ -33,6 +33,12 @@ def test_the_server_gets_the_shells_environment_and_five_variables_more(running)
     }
 
 
+def test_the_server_does_not_pass_for_the_program_that_was_launched(make_shell):
+    shell = make_shell(environment={"DESKTOP_STARTUP_ID": "launch-1_TIME1", "XDG_ACTIVATION_TOKEN": "launch-1"})
+    shell.start()
+    assert not {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"} & set(shell.server.start["environment"])
+
+
 def test_what_the_environment_says_already_is_replaced(make_shell):
     shell = make_shell(environment={"HARBROOK_PORT": "1", "HARBROOK_TOKEN": "guess", "HARBROOK_PARENT": "1"})
     shell.start()

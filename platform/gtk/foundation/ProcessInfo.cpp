@@ -38,7 +38,11 @@ Environment currentEnvironment() {
     return environment;
 }
 
-ProcessInfo::ProcessInfo() : environment_(currentEnvironment()) {}
+ProcessInfo::ProcessInfo() : environment_(currentEnvironment()) {
+    // What a launcher has told this program only: a child would pass for the one that was launched.
+    for (const auto* name : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"})
+        environment_.erase(name);
+}
 
 int ProcessInfo::processIdentifier() {
     return getpid();

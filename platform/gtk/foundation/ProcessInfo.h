@@ -6,7 +6,8 @@ namespace harbrook::gtk {
 
 class ProcessInfo final : public harbrook::ProcessInfo {
 public:
-    /// Takes down the environment as it is. To be made before anything in the process changes it.
+    /// Takes down the environment as it is, for children: without start-up ids. To be made before anything in
+    /// the process changes it.
     ProcessInfo();
 
     Environment environment() override { return environment_; }

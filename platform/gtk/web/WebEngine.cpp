@@ -3,6 +3,7 @@
 #include "platform/gtk/web/RenderingPolicy.h"
 #include "platform/gtk/web/WebSession.h"
 
+#include <array>
 #include <memory>
 #include <string_view>
 
@@ -46,6 +47,11 @@ GObjectPtr<WebKitSettings> makeSettings() {
     return settings;
 }
 
+/// What a script of the shell's says is for the pages of a local server. A document that comes to be shown in
+/// another way, by whatever way of the engine's, gets none of it. Ports make no difference to the engine
+/// here.
+constexpr std::array<const char*, 3> localPages = {"http://localhost/*", "https://localhost/*", nullptr};
+
 void addScript(WebKitUserContentManager* manager, const UserScript& script) {
     WebKitUserScript* native = webkit_user_script_new(
         script.source.c_str(),
@@ -54,9 +60,21 @@ void addScript(WebKitUserContentManager* manager, const UserScript& script) {
         script.injectionTime == UserScriptInjectionTime::atDocumentStart
             ? WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START
             : WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_END,
-        nullptr, nullptr);
+        localPages.data(), nullptr);
     webkit_user_content_manager_add_script(manager, native);
     webkit_user_script_unref(native);
+}
+
+/// What is dropped on a page is no link of the page's: the engine would open a dropped file or address in the
+/// page's place. It has no setting for that (WebKitGTK 2.50), so its view is no target for drags.
+void refuseDrops(GtkWidget* view) {
+    const auto controllers = GObjectPtr<GListModel>::adopt(gtk_widget_observe_controllers(view));
+    for (guint i = g_list_model_get_n_items(controllers.get()); i-- > 0;) {
+        const auto controller =
+            GObjectPtr<GObject>::adopt(G_OBJECT(g_list_model_get_item(controllers.get(), i)));
+        if (!GTK_IS_DROP_TARGET_ASYNC(controller.get())) continue;
+        gtk_widget_remove_controller(view, GTK_EVENT_CONTROLLER(controller.get()));
+    }
 }
 
 } // namespace
@@ -68,9 +86,11 @@ GObjectPtr<WebKitWebView> makeEngineView(const std::vector<UserScript>& scripts)
     for (const auto& script : scripts)
         addScript(manager.get(), script);
     const auto settings = makeSettings();
-    return GObjectPtr<WebKitWebView>::sink(WEBKIT_WEB_VIEW(g_object_new(
+    auto view = GObjectPtr<WebKitWebView>::sink(WEBKIT_WEB_VIEW(g_object_new(
         WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "user-content-manager", manager.get(),
         "settings", settings.get(), nullptr)));
+    refuseDrops(GTK_WIDGET(view.get()));
+    return view;
 }
 
 } // namespace harbrook::gtk
