@@ -25,6 +25,7 @@ CONTEXT_MENU = "platform/gtk/web/WebContextMenu.cpp"
 ENGINE = "platform/gtk/web/WebEngine.cpp"
 GLOBALS = "app/Globals.cpp"
 LAUNCH = "server/ServerLaunch.cpp"
+PROCESS_INFO = "platform/gtk/foundation/ProcessInfo.cpp"
 LOADS = "platform/gtk/web/WebViewLoads.cpp"
 NAVIGATION = "window/Navigation.cpp"
 POLICY = "window/NavigationPolicy.cpp"
@@ -77,6 +78,27 @@ def include(file, header, beside):
 
 
 BREAKS = [
+    Break(
+        "A document that comes",
+        "what is dropped is taken",
+        [(ENGINE, "refuseDrops(GTK_WIDGET(view.get()));", "static_cast<void>(refuseDrops);")],
+        {
+            "test_drops.py::test_a_dropped_file_does_not_take_the_dashboards_place": "hears nothing of the drag",
+            "test_drops.py::test_a_dropped_address_does_not_take_the_dashboards_place": "hears nothing of the drag",
+        },
+    ),
+    Break(
+        "A document that comes",
+        "any document gets the token",
+        [(ENGINE, "localPages.data(), nullptr", "nullptr, nullptr")],
+        {"test_page.py::test_a_document_that_is_no_page_of_the_servers_has_neither_token_nor_class": "no 'request'"},
+    ),
+    Break(
+        "What is started for the user",
+        "the server gets the ids of the launch",
+        [(PROCESS_INFO, "environment_.erase(name)", "static_cast<void>(name)")],
+        {"test_server_launch.py::test_the_server_does_not_pass_for_the_program_that_was_launched": "DESKTOP_STARTUP_ID"},
+    ),
     Break(
         "Every navigation",
         "any address stays in the view",
