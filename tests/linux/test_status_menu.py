@@ -369,7 +369,7 @@ def test_an_opening_tells_which_of_the_rows_that_stay_have_changed(started):
     revision = menu.revision()
     change(shell, SHOP, redis=4)
     heard = menu.signals()
-    wait_for_polls(shell, 2)
+    shell.server.wait_for_polls(2)
     assert menu.about_to_show() is True
     wait_until("the row is announced", lambda: heard)
     assert [(member, arguments[0][0][0]) for member, _, arguments in heard] == [
@@ -378,7 +378,7 @@ def test_an_opening_tells_which_of_the_rows_that_stay_have_changed(started):
     # Nothing came, went or moved, so nobody has to read the layout anew.
     assert menu.revision() == revision
     menu.event(0, "closed")
-    wait_for_polls(shell, 1)
+    shell.server.wait_for_polls(1)
     assert len(heard) == 1
 
 
