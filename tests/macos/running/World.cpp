@@ -51,7 +51,7 @@ void World::settle() {
     const AutoreleasePool pool;
     do {
         scheduler.settle();
-    } while (callReadable());
+    } while (letChildrenIn());
 }
 
 void World::advance(double seconds) {
@@ -62,8 +62,20 @@ void World::advance(double seconds) {
 }
 
 void World::runWorkers() {
-    callReadable();
     scheduler.runWorkers();
+    letChildrenIn();
+}
+
+bool World::letChildrenIn() {
+    childrenMayComeIn_ = true;
+    const bool any = callReadable() || !scheduler.runnableWorkers().empty();
+    scheduler.runWorkers();
+    childrenMayComeIn_ = false;
+    return any;
+}
+
+void World::waitForChild(const std::function<bool()>& condition) {
+    scheduler.blockWorker([this, condition] { return childrenMayComeIn_ && condition(); });
 }
 
 bool World::waitUntil(const std::function<bool()>& condition) {

@@ -44,6 +44,9 @@ public:
     /// Lets children go on until `condition` holds; time stands still. Whether it came to hold.
     bool waitUntil(const std::function<bool()>& condition);
 
+    /// On a worker: waits for something that a child does.
+    void waitForChild(const std::function<bool()>& condition);
+
     /// Has `handler` called on a worker each time there is something to read, or the end of it.
     void watch(int descriptor, std::function<void()> handler);
     void stopWatching(int descriptor);
@@ -65,8 +68,12 @@ private:
     };
     /// Whether a handler was called.
     bool callReadable();
+    /// Lets what the children have said in. They are real, and take as long as they like; the program hears
+    /// of them only when it has nothing else to do, which makes the order the same every time.
+    bool letChildrenIn();
 
     std::map<int, Watch> watches_;
+    bool childrenMayComeIn_ = false;
     int describing_ = 0;
     int calls_ = 0;
 };

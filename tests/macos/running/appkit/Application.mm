@@ -61,6 +61,8 @@ void perform(NSMenuItem* item) {
 - (void)run {
     {
         const AutoreleasePool pool;
+        if (![delegate() applicationSupportsSecureRestorableState:NSApp])
+            world().fail("the system warns of state that is restored insecurely");
         [delegate() applicationDidFinishLaunching:nil];
     }
     world().user();

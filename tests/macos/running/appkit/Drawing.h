@@ -6,6 +6,7 @@ namespace harbrook::running {
 
 /// As what it is in light and in dark, if it differs.
 [[nodiscard]] std::string describeColor(NSColor* color);
+[[nodiscard]] std::string describeColorIn(NSColor* color, const std::string& appearanceName);
 [[nodiscard]] std::string describeFont(NSFont* font);
 /// Has a drawn image drawn.
 void draw(NSImage* image);

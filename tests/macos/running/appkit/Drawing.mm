@@ -136,6 +136,11 @@ std::string describeColor(NSColor* color) {
            describeColor(colorIn(own, "NSAppearanceNameDarkAqua")) + " in dark";
 }
 
+std::string describeColorIn(NSColor* color, const std::string& appearanceName) {
+    const AutoreleasePool pool;
+    return describeColor(colorIn(static_cast<StandInColor*>(color), appearanceName));
+}
+
 std::string describeFont(NSFont* font) {
     auto* const own = static_cast<StandInFont*>(font);
     const bool isMedium = own->weight == NSFontWeightMedium;

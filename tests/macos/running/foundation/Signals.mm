@@ -2,6 +2,7 @@
 
 #include "tests/macos/running/foundation/Foundation.h"
 
+#include <csignal>
 #include <map>
 
 using namespace harbrook::running;
@@ -65,6 +66,8 @@ void receiveSignal(int number) {
     const auto found = activeSources().find(number);
     if (found == activeSources().end())
         return world().fail("nobody listens to the signal " + std::to_string(number));
+    // The program sees to it that the signal itself ends nothing.
+    raise(number);
     world().scheduler.addMainBlock(0, [handler = found->second->handler] {
         const AutoreleasePool pool;
         ((void (^)(void))handler.get())();

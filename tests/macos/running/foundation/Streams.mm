@@ -18,7 +18,7 @@ bool isReadable(int descriptor) {
 /// What there is to read, at most one piece; empty at end of file. Lets others run until there is something.
 std::string readPiece(int descriptor) {
     if (!world().scheduler.isMainThread())
-        world().scheduler.blockWorker([descriptor] { return isReadable(descriptor); });
+        world().waitForChild([descriptor] { return isReadable(descriptor); });
     std::array<char, 65536> buffer{};
     const auto count = read(descriptor, buffer.data(), buffer.size());
     return count > 0 ? std::string(buffer.data(), static_cast<std::size_t>(count)) : std::string();

@@ -120,7 +120,7 @@ bool hasExited(StandInTask* task) {
     auto* const own = static_cast<StandInTask*>(self);
     if (!own->child) world().fail("a task that was never launched is waited for");
     if (!world().scheduler.isMainThread()) {
-        world().scheduler.blockWorker([own] { return hasExited(own); });
+        world().waitForChild([own] { return hasExited(own); });
         return;
     }
     while (!hasExited(own)) {

@@ -15,6 +15,16 @@ namespace {
 class CocoaShell final : public Shell {
 public:
     void installServer(int port) override { machine_.installServer(port); }
+    void installPictures() override {
+        for (const auto* name : {"menubarTemplate@2x.png", "menubarIdleTemplate@2x.png"})
+            machine_.addFile(
+                std::filesystem::path("/Applications/Harbrook.app/Contents/Resources") / name, "");
+    }
+    void installNodeOfLoginShell(int port) override {
+        machine_.addProgram("/bin/zsh", "echo /Users/ada/bin/node\necho words of a profile >&2\n");
+        machine_.installServer(port, "/Users/ada/bin/node");
+    }
+    void addDataOfEarlierVersion() override { machine_.addFile("/Users/ada/.ferncastle/kept", ""); }
     void setVariable(const std::string& name, const std::string& value) override {
         machine_.world.environment[name] = value;
     }

@@ -12,6 +12,9 @@ std::optional<URL> urlOf(const Address& address) {
     return address ? URL::URLWithString(*address) : std::nullopt;
 }
 
+/// A child takes a moment, in which the program goes on.
+constexpr double childsPause = 0.1;
+
 class DoubleShell final : public Shell {
 public:
     DoubleShell() {
@@ -28,6 +31,19 @@ public:
         platform_->processes().programs["/opt/harbrook/resources/runtime/node"].output = {
             {0, "HARBROOK_PORT " + std::to_string(port) + "\n"}};
     }
+    void installPictures() override {
+        constexpr Size size = {36, 36};
+        for (const auto* name : {"menubarTemplate@2x.png", "menubarIdleTemplate@2x.png"})
+            platform_->addPicture(std::filesystem::path("/opt/harbrook/resources") / name, size);
+    }
+    void installNodeOfLoginShell(int port) override {
+        platform_->files().addExecutable("/home/ada/bin/node");
+        platform_->files().addFile("/opt/harbrook/resources/app/server.js");
+        auto& programs = platform_->processes().programs;
+        programs["/bin/zsh"] = {.output = {{childsPause, "/home/ada/bin/node\n"}}, .exitsAfter = childsPause};
+        programs["/home/ada/bin/node"].output = {{0, "HARBROOK_PORT " + std::to_string(port) + "\n"}};
+    }
+    void addDataOfEarlierVersion() override { platform_->files().addDirectory("/home/ada/.ferncastle"); }
     void setVariable(const std::string& name, const std::string& value) override {
         platform_->processInfo().setVariable(name, value);
     }
@@ -47,7 +63,7 @@ public:
     void settle() override { platform_->settle(); }
     void advance(double seconds) override { platform_->advance(seconds); }
     void waitForPage() override {
-        settle();
+        advance(childsPause);
         EXPECT_FALSE(platform_->webView()->loads().empty());
     }
 

@@ -12,12 +12,27 @@ TEST_F(Life, without_node) {
     EXPECT_EQ(said("Node.js was not found").size(), 1U);
 }
 
-TEST_F(Life, with_data_of_an_earlier_version) {
-    // Nothing of it is there in this run: both look, and neither moves anything.
+TEST_F(Life, with_data_of_an_earlier_version_and_pictures) {
+    compare([](Shell& shell) {
+        shell.addDataOfEarlierVersion();
+        shell.installPictures();
+        return shell.run([&] { shell.settle(); });
+    });
+    EXPECT_EQ(said("moveItemAtURL:").size(), 1U);
+}
+
+TEST_F(Life, with_another_home_for_screenshots) {
     compare([](Shell& shell) {
         shell.setVariable("HARBROOK_SHOTS", "1");
         shell.setVariable("HARBROOK_SHOTS_HOME", "/tmp/shots");
         return shell.run([&] { shell.settle(); });
+    });
+}
+
+TEST_F(Life, with_node_that_the_login_shell_knows) {
+    compare([](Shell& shell) {
+        shell.installNodeOfLoginShell(47545);
+        return shell.run([&] { shell.waitForPage(); });
     });
 }
 

@@ -32,10 +32,8 @@ void Machine::addProgram(const std::filesystem::path& path, const std::string& s
     std::filesystem::permissions(world.placeOf(path), std::filesystem::perms::owner_all);
 }
 
-void Machine::installServer(int port) {
-    addProgram(
-        "/Applications/Harbrook.app/Contents/Resources/runtime/node",
-        "echo HARBROOK_PORT " + std::to_string(port) + "\nexec sleep 1000\n");
+void Machine::installServer(int port, const std::filesystem::path& node) {
+    addProgram(node, "echo HARBROOK_PORT " + std::to_string(port) + "\nexec sleep 1000\n");
     addFile("/Applications/Harbrook.app/Contents/Resources/app/server.js", "");
 }
 

@@ -20,8 +20,10 @@ public:
     void addFile(const std::filesystem::path& path, const std::string& content);
     void addProgram(const std::filesystem::path& path, const std::string& script);
 
-    /// Puts Node.js, as a program that announces `port`, and the server's script into the bundle.
-    void installServer(int port);
+    /// Puts Node.js, as a program that announces `port`, to `node`, and the server's script into the bundle.
+    void installServer(
+        int port,
+        const std::filesystem::path& node = "/Applications/Harbrook.app/Contents/Resources/runtime/node");
     /// Until the page has been asked for.
     void waitForPage();
 

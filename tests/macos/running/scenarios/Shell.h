@@ -23,6 +23,10 @@ public:
 
     // Before it runs.
     virtual void installServer(int port) = 0;
+    virtual void installPictures() = 0;
+    /// Node.js that only the login shell knows, and the server's script.
+    virtual void installNodeOfLoginShell(int port) = 0;
+    virtual void addDataOfEarlierVersion() = 0;
     virtual void setVariable(const std::string& name, const std::string& value) = 0;
 
     /// Runs the program from its start to its end; `user` acts meanwhile. What was said to the platform until
