@@ -16,6 +16,7 @@ const directory = dirname(fileURLToPath(import.meta.url));
 process.stdout.on('error', () => {});
 process.stderr.on('error', () => {});
 
+/** @type {(handler: import('node:http').RequestListener) => void} */
 let begin;
 const answering = new Promise((resolve) => {
   begin = resolve;

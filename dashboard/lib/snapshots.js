@@ -1,8 +1,10 @@
+/** @import { Overview, Port, Run, State, Stats } from '../types/api.js' */
 import { readFileSync } from 'node:fs';
 import { composedAndRunning, containersWithProjects, portsWithProjects, projectLookup } from './owners.js';
 
 const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
 
+/** @returns {Run} */
 function describeRun(run) {
   if (!run) return null;
   const { startedAt, endedAt, stopping, waitingFor, ended, code, signal, hints, command, pid } = run;
@@ -33,6 +35,7 @@ function join(dashboard) {
   return { joined, ports, containers };
 }
 
+/** @returns {Stats} */
 function statsOf(dashboard, joined) {
   const { postgres, redis, docker } = dashboard.services.value;
   return {
@@ -43,7 +46,10 @@ function statsOf(dashboard, joined) {
   };
 }
 
-/** The snapshot for the shell: which projects there are, which run and where, and the services' counts. */
+/**
+ * The snapshot for the shell: which projects there are, which run and where, and the services' counts.
+ * @returns {State}
+ */
 export function stateOf(dashboard) {
   const { joined } = join(dashboard);
   return {
@@ -78,6 +84,7 @@ function userName(uid) {
   return userNames.get(uid) ?? `user ${uid}`;
 }
 
+/** @returns {Port} */
 function describePort({ port, addresses, uid, process: holder, project, container }) {
   return {
     port,
@@ -90,7 +97,10 @@ function describePort({ port, addresses, uid, process: holder, project, containe
   };
 }
 
-/** Everything that the page shows. */
+/**
+ * Everything that the page shows.
+ * @returns {Overview}
+ */
 export function overviewOf(dashboard) {
   const { joined, ports, containers } = join(dashboard);
   const { settings, finder, runner } = dashboard;

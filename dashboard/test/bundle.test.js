@@ -2,9 +2,9 @@ import assert from 'node:assert/strict';
 import { existsSync } from 'node:fs';
 import { mkdtemp, readdir, readFile, rm } from 'node:fs/promises';
 import { tmpdir } from 'node:os';
-import { join, relative } from 'node:path';
+import { basename, join, relative } from 'node:path';
 import { test } from 'node:test';
-import { bundle, SIDES } from '../tools/bundle.js';
+import { bundle, dashboard, SIDES } from '../tools/bundle.js';
 import { vendored } from '../tools/vendor.js';
 import { findBrowser, openBrowser } from './support/browser.js';
 import { makeHome, startDashboard, writeTree } from './support/machine.js';
@@ -40,16 +40,22 @@ test('the lock file says of every package what its bytes must be, and not where 
 
 test('the bundle is one file for the server and one for the page, with their maps and licences', async (t) => {
   const app = await makeBundle(t);
-  assert.deepEqual((await filesIn(app)).sort(), [
-    'package.json',
-    'page/icon.svg',
-    'page/index.html',
-    'page/page.css.map',
-    'page/page.js.map',
-    'server.js',
-    'server.js.map',
-    'third-party.txt',
-  ]);
+  const workers = (await filesIn(join(dashboard, 'lib'))).filter((file) => file.endsWith('-worker.js'));
+  const scripts = ['server.js', ...workers.map((file) => basename(file))];
+  assert.deepEqual(
+    (await filesIn(app)).sort(),
+    [
+      ...scripts.flatMap((file) => [file, `${file}.map`]),
+      ...[
+        'package.json',
+        'page/icon.svg',
+        'page/index.html',
+        'page/page.css.map',
+        'page/page.js.map',
+        'third-party.txt',
+      ],
+    ].sort(),
+  );
   for (const [script, map] of [
     ['server.js', 'server.js.map'],
     ['page/index.html', 'page/page.js.map'],
@@ -70,11 +76,11 @@ const browser = await findBrowser();
 test('the bundled page needs one request, and then only the API', { skip: browser.missing ?? false }, async (t) => {
   const home = await makeHome(t);
   await writeTree(home, { 'projects/shop/go.mod': 'module shop' });
-  const dashboard = await startDashboard(t, home, {}, { script: join(await makeBundle(t), 'server.js') });
+  const served = await startDashboard(t, home, {}, { script: join(await makeBundle(t), 'server.js') });
   const context = await openBrowser(t, browser);
   const asked = [];
   context.on('request', (request) => asked.push(new URL(request.url()).pathname));
-  const page = await openPage(t, context, `${dashboard.address}/`);
+  const page = await openPage(t, context, `${served.address}/`);
   await page.getByRole('link', { name: 'shop' }).waitFor();
   await ready(page);
   // The icon is for a browser's tab.
@@ -82,5 +88,5 @@ test('the bundled page needs one request, and then only the API', { skip: browse
     asked.filter((path) => !path.startsWith('/api/') && path !== '/icon.svg'),
     ['/'],
   );
-  for (const map of ['/page.js.map', '/page.css.map']) assert.equal((await dashboard.get(map)).status, 200);
+  for (const map of ['/page.js.map', '/page.css.map']) assert.equal((await served.get(map)).status, 200);
 });

@@ -5,6 +5,7 @@ import { createServer } from 'node:net';
 import { dirname, join } from 'node:path';
 import { test } from 'node:test';
 import { fileURLToPath } from 'node:url';
+import { portOf } from './support/engine.js';
 import { makeHome, startDashboard, TOKEN, writeTree } from './support/machine.js';
 import { eventually } from './support/waiting.js';
 
@@ -14,7 +15,7 @@ async function takenPort(t, host = '127.0.0.1') {
   const server = createServer().listen(0, host);
   await once(server, 'listening');
   t.after(() => server.close());
-  return server.address().port;
+  return portOf(server);
 }
 
 function isAlive(pid) {
@@ -29,7 +30,7 @@ function isAlive(pid) {
 test('the wanted port is taken when it is free', async (t) => {
   const server = createServer().listen(0, '127.0.0.1');
   await once(server, 'listening');
-  const { port } = server.address();
+  const port = portOf(server);
   server.close();
   await once(server, 'close');
   const dashboard = await startDashboard(t, await makeHome(t), { HARBROOK_PORT: String(port) });
@@ -88,7 +89,7 @@ test('only the loopback interface is listened on', async (t) => {
 });
 
 test('SIGTERM, SIGINT and SIGHUP end it with success', async (t) => {
-  for (const signal of ['SIGTERM', 'SIGINT', 'SIGHUP']) {
+  for (const signal of /** @type {const} */ (['SIGTERM', 'SIGINT', 'SIGHUP'])) {
     const dashboard = await startDashboard(t, await makeHome(t));
     // A listening page does not hold it up.
     const stream = await dashboard.get('api/events');
@@ -120,7 +121,7 @@ test('a reader of its output that goes away does not end it', async (t) => {
   assert.equal((await dashboard.get('api/settings')).status, 200);
 });
 
-for (const way of ['SIGTERM', 'SIGKILL', 'stdin']) {
+for (const way of /** @type {const} */ (['SIGTERM', 'SIGKILL', 'stdin'])) {
   test(`what it started ends with it (${way})`, async (t) => {
     const home = await makeHome(t);
     const project = join(home, 'projects/p');
@@ -143,6 +144,7 @@ for (const way of ['SIGTERM', 'SIGKILL', 'stdin']) {
 }
 
 test('it runs by hand too, with a token of its own in the address that it prints', async (t) => {
+  /** @type {NodeJS.ProcessEnv} */
   const environment = { ...process.env, HOME: await makeHome(t), HARBROOK_PORT: '0' };
   delete environment.HARBROOK_TOKEN;
   const child = spawn(process.execPath, [script], {

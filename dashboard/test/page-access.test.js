@@ -82,7 +82,7 @@ function faintTexts(large) {
       /^color\(srgb ([^)]+)\)$/
         .exec(colour)?.[1]
         .split(/[ /]+/)
-        .map((part, index) => (index < 3 ? part * 255 : Number(part))) ?? colour.match(/[\d.]+/g).map(Number);
+        .map((part, index) => (index < 3 ? Number(part) * 255 : Number(part))) ?? colour.match(/[\d.]+/g).map(Number);
     return parts.length === 3 ? [...parts, 1] : parts;
   };
   const over = (front, back) =>
@@ -102,13 +102,13 @@ function faintTexts(large) {
   const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
   for (let node = walker.nextNode(); node; node = walker.nextNode()) {
     const element = node.parentElement;
-    if (node.data.trim() === '' || !element.checkVisibility({ visibilityProperty: true })) continue;
+    if (node.nodeValue.trim() === '' || !element.checkVisibility({ visibilityProperty: true })) continue;
     const style = getComputedStyle(element);
     const back = behind(element);
     const [one, other] = [luminance(over(channels(style.color), back)), luminance(back)].sort((a, b) => b - a);
     const ratio = (one + 0.05) / (other + 0.05);
     if (ratio < (parseFloat(style.fontSize) >= large ? 3 : 4.5))
-      found.push(`${ratio.toFixed(2)} ${element.className} “${node.data.trim().slice(0, 40)}”`);
+      found.push(`${ratio.toFixed(2)} ${element.className} “${node.nodeValue.trim().slice(0, 40)}”`);
   }
   return found;
 }
@@ -163,7 +163,7 @@ await describePage('everybody can use the page', (sample) => {
       await ready(page);
       // Ports of other programs come and go meanwhile; what counts is what is there from first to last.
       const count = await page.evaluate(() => {
-        document.activeElement.blur();
+        /** @type {HTMLElement} */ (document.activeElement).blur();
         window.__missed = new Set(
           [...document.querySelectorAll('a[href], button, input')].filter((control) => control.checkVisibility()),
         );
@@ -202,10 +202,10 @@ await describePage('everybody can use the page', (sample) => {
   test('the chosen segment stands out from its ground, light and dark', async (t) => {
     const page = await sample.open(t);
     const chosen = page.getByRole('button', { name: 'All', exact: true });
-    for (const [colorScheme, least] of [
+    for (const [colorScheme, least] of /** @type {const} */ ([
       ['light', 1.1],
       ['dark', 1.5],
-    ]) {
+    ])) {
       await page.emulateMedia({ colorScheme });
       const [front, back] = await chosen.evaluate((button) => {
         // Relative luminance, as the accessibility guidelines reckon it.
@@ -213,7 +213,7 @@ await describePage('everybody can use the page', (sample) => {
           const parts = getComputedStyle(element)
             .backgroundColor.match(/[\d.]+/g)
             .slice(0, 3)
-            .map((part) => part / 255);
+            .map((part) => Number(part) / 255);
           const [red, green, blue] = parts.map((part) =>
             part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4,
           );
@@ -292,7 +292,8 @@ test(
       const page = await context.newPage();
       await page.goto(dashboard.address);
       const written = await page.evaluate(async () => {
-        const { clock, count, period } = await import('/js/text.js');
+        const source = '/js/text.js';
+        const { clock, count, period } = await import(source);
         const at = (hour, minute) => new Date().setHours(hour, minute, 0, 0);
         return [count(1284, 'key'), clock(at(18, 5)), period(at(18, 5), at(18, 7)), clock(0)];
       });

@@ -3,6 +3,7 @@ import { once } from 'node:events';
 import { createServer } from 'node:http';
 import { join } from 'node:path';
 import { test } from 'node:test';
+import { portOf } from './support/engine.js';
 import { makeHome, startDashboard, TOKEN, writeTree } from './support/machine.js';
 import { describePage, go, messages, ready } from './support/page.js';
 
@@ -136,7 +137,7 @@ await describePage('the page and the shell', (sample) => {
     t.after(() => foreign.close());
     const page = await sample.context.newPage();
     t.after(() => page.close());
-    await page.goto(`http://127.0.0.1:${foreign.address().port}/`);
+    await page.goto(`http://127.0.0.1:${portOf(foreign)}/`);
     const reached = await page.evaluate(async (address) => {
       const simple = await fetch(`${address}/api/state`).then(
         () => 'read',

@@ -209,7 +209,7 @@ await describePage('the page', (sample) => {
     await page.getByText('500 projects').waitFor();
     assert.equal(await page.locator('.row').count(), 500);
     const drawn = await page.evaluate(async () => {
-      const search = document.getElementById('search');
+      const search = /** @type {HTMLInputElement} */ (document.getElementById('search'));
       const start = performance.now();
       for (const text of ['project4', 'project49', '']) {
         search.value = text;

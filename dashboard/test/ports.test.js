@@ -7,6 +7,7 @@ import { parseLsof, parseNetstat } from '../lib/ports/darwin.js';
 import { parseListening } from '../lib/ports/linux.js';
 import { parseStat } from '../lib/processes/proc.js';
 import { PortWatcher } from '../lib/ports/port-watcher.js';
+import { portOf } from './support/engine.js';
 import { makeHome } from './support/machine.js';
 
 const HEAD = '  sl  local_address rem_address   st tx_queue rx_queue tr tm->when retrnsmt   uid  timeout inode\n';
@@ -118,7 +119,7 @@ test('looking again without a change asks for no process and tells of no change'
 test('one server on several addresses is one port', async (t) => {
   const server = createServer().listen(0, '127.0.0.1');
   await once(server, 'listening');
-  const { port } = server.address();
+  const port = portOf(server);
   const other = createServer().listen({ port, host: '127.0.0.2' });
   await once(other, 'listening');
   t.after(() => {

@@ -42,7 +42,13 @@ function run(esbuild = ownEsbuild, parameters, packages) {
   if (status !== 0) throw new Error(`esbuild ended with ${status}`);
 }
 
-/** Bundles the server's sources into the folder `target`. */
+/** @typedef {{ esbuild?: string, parameters?: string[] }} How */
+
+/**
+ * Bundles the server's sources into the folder `target`.
+ * @param {string} target
+ * @param {How} [how]
+ */
 export function bundleServer(target, { esbuild, parameters = [] } = {}) {
   run(
     esbuild,
@@ -51,7 +57,11 @@ export function bundleServer(target, { esbuild, parameters = [] } = {}) {
   );
 }
 
-/** Bundles the page's script and style into the folder `target`. */
+/**
+ * Bundles the page's script and style into the folder `target`.
+ * @param {string} target
+ * @param {How} [how]
+ */
 export function bundlePage(target, { esbuild, parameters = [] } = {}) {
   run(
     esbuild,
@@ -63,6 +73,7 @@ export function bundlePage(target, { esbuild, parameters = [] } = {}) {
 /** The page with everything it needs for its first paint in it: one request, and nothing to wait for. */
 function withoutFiles(html, { script, style }) {
   if (/<\/(script|style)|<!--/i.test(script + style)) throw new Error('The bundle would end its own element');
+  /** @type {[RegExp, () => string][]} */
   const replaced = [
     [/ *<script type="importmap">.*?<\/script>\n/s, () => ''],
     [/<link rel="stylesheet" href="\/style\/page.css" \/>/, () => `<style>${style}</style>`],

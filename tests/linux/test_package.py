@@ -27,9 +27,8 @@ SYSTEM_FILES = {
 } | {f"usr/share/icons/hicolor/{size}x{size}/apps/{ID}.png" for size in ICON_SIZES}
 
 # The bundles with their source maps, and what comes with them.
-DASHBOARD_FILES = {
-    "server.js",
-    "server.js.map",
+WORKERS = [path.name for path in (REPOSITORY / "dashboard/lib").rglob("*-worker.js")]
+DASHBOARD_FILES = {f"{name}{suffix}" for name in ["server.js", *WORKERS] for suffix in ["", ".map"]} | {
     "package.json",
     "third-party.txt",
     "page/index.html",

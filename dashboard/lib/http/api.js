@@ -2,6 +2,7 @@ import { streamEvents, streamLog } from './streams.js';
 import { sendJson } from './respond.js';
 import { about } from '../about.js';
 
+/** @returns {import('../../types/api.js').FolderSettings} */
 function settingsOf({ settings, finder }) {
   return {
     folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),

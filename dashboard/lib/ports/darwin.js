@@ -32,8 +32,17 @@ export function parseNetstat(text) {
   return sockets;
 }
 
-/** The processes and their listening sockets in the output of lsof with the fields p, g, R, c, u and n. */
+/**
+ * @typedef {{ pid: number, sockets: { address: string, port: number }[], group?: number, parent?: number, name?: string,
+ *   uid?: number, folder?: string }} LsofProcess
+ */
+
+/**
+ * The processes and their listening sockets in the output of lsof with the fields p, g, R, c, u and n.
+ * @returns {LsofProcess[]}
+ */
 export function parseLsof(text) {
+  /** @type {LsofProcess[]} */
   const processes = [];
   for (const line of text.split('\n')) {
     const value = line.slice(1);

@@ -17,7 +17,8 @@ export function stopCommandFor(command) {
 /** Stops what `command` has brought up. Fulfilled, whatever comes of it, with what the client printed. */
 export function stopContainers(command, { folder, environment }) {
   return new Promise((resolve) => {
-    const options = { cwd: folder, env: environment, timeout: PATIENCE, killSignal: 'SIGKILL' };
+    /** @type {import('node:child_process').ExecFileOptionsWithStringEncoding} */
+    const options = { encoding: 'utf8', cwd: folder, env: environment, timeout: PATIENCE, killSignal: 'SIGKILL' };
     execFile('/bin/sh', ['-c', stopCommandFor(command)], options, (_error, stdout, stderr) => resolve(stdout + stderr));
   });
 }

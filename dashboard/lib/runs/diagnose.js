@@ -4,6 +4,7 @@ import { stripVTControlCharacters } from 'node:util';
 const LAST_LINES = 60;
 const LONGEST_LINE = 2000;
 
+/** @type {[RegExp, (match: RegExpExecArray) => string][]} */
 const CAUSES = [
   [
     /EADDRINUSE.*?:(\d{2,5})\b|port (\d{2,5}) (?:is )?(?:already )?in use/i,

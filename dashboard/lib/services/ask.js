@@ -1,8 +1,13 @@
 import { connect } from 'node:net';
 
 /**
+ * @typedef {{ port: number, host: string } | { path: string }} Target
+ */
+
+/**
  * Connects to `target` ({ port, host } or { path }), sends `question` and collects the reply until `isComplete(bytes)`,
  * the end of the stream or the time-out in milliseconds. Fulfilled with the bytes received, possibly none.
+ * @param {Target} target
  */
 export function ask(target, question, isComplete, timeout) {
   return new Promise((resolve) => {

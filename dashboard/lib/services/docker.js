@@ -80,6 +80,7 @@ function container(entry) {
 /**
  * The container engine behind the first socket that is there: { available: false, reason } or { available: true,
  * socket, version, containers }. The reason is null when there is no socket at all.
+ * @returns {Promise<any>}
  */
 export async function probeDocker(sockets) {
   let reason = null;

@@ -8,7 +8,10 @@ const SOCKET_FOLDERS = ['/var/run/postgresql', '/tmp'];
 // "Do you speak TLS?": the one question a server answers before it knows who asks. Eight bytes long, code 80877103.
 const TLS_QUESTION = Buffer.from([0, 0, 0, 8, 0x04, 0xd2, 0x16, 0x2f]);
 
-/** Asks whether a PostgreSQL server listens at `target`: { tls } when it does, else null. */
+/**
+ * Asks whether a PostgreSQL server listens at `target`: { tls } when it does, else null.
+ * @param {import('./ask.js').Target} target
+ */
 export async function probePostgres(target) {
   const answer = (await ask(target, TLS_QUESTION, (bytes) => bytes.length > 0, TIMEOUT)).toString('latin1', 0, 1);
   return answer === 'S' || answer === 'N' ? { tls: answer === 'S' } : null;

@@ -40,7 +40,8 @@ export class Services extends EventEmitter {
   #unfollow = null;
   #closed = false;
   #lastCandidates = '';
-  value = { ready: false, postgres: [], redis: [], docker: { available: false, reason: null } };
+  /** @type {import('../../types/api.js').Services} */
+  value = { ready: false, postgres: [], redis: [], docker: { available: false, reason: null, containers: [] } };
 
   constructor({ home, ports, sockets = dockerSockets({ home }), postgresFolders = undefined }) {
     super();
@@ -128,6 +129,7 @@ export class Services extends EventEmitter {
   }
 
   async #lookForPostgres(docker) {
+    /** @type {{ port: number, process: any, target: any }[]} */
     const candidates = this.#candidates('postgres', docker).map((entry) => ({
       port: entry.port,
       process: entry.process,

@@ -23,9 +23,13 @@ const PATIENCE = { start: 30_000, stop: 120_000 };
 
 const isRunning = (path) => store.overview?.projects.find((project) => project.path === path)?.appRunning ?? false;
 
+/**
+ * @param {'start' | 'stop'} verb
+ * @param {string} path
+ */
 async function changeProject(verb, path) {
   if (busy.has(path)) return;
-  const hadFocus = document.activeElement?.dataset.run === path;
+  const hadFocus = document.activeElement?.getAttribute('data-run') === path;
   busy.add(path);
   update({});
   const problem = await post(`project/${verb}`, { path }, { patience: PATIENCE[verb] }).then(
@@ -40,6 +44,7 @@ async function changeProject(verb, path) {
   const isDone = problem?.status === 409 && isRunning(path) === (verb === 'start');
   if (problem && !isDone) say(problem.message, { isError: true });
   // The project may have moved to another list, with a new button; the keyboard follows it.
+  /** @type {HTMLElement} */
   const button = document.querySelector(`[data-run="${CSS.escape(path)}"]`);
   if (hadFocus && document.activeElement === document.body) button?.focus();
 }
@@ -100,7 +105,7 @@ export function askForFolder() {
         class: 'stack',
         onSubmit(event) {
           event.preventDefault();
-          addFolder(event.target.elements.path.value.trim());
+          addFolder(/** @type {HTMLFormElement} */ (event.currentTarget).elements['path'].value.trim());
           close();
         },
       },

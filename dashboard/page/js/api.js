@@ -1,3 +1,6 @@
+/** @import { Answers, Bodies } from '../../types/api.js' */
+/** @typedef {{ patience?: number, signal?: AbortSignal }} Limits */
+
 // The server's API. Every request carries the token that the shell put into the page, or the one in the address that the
 // server prints when it runs without the shell.
 
@@ -26,8 +29,10 @@ const PATIENCE = 15_000;
 /**
  * Asks for `path` and fulfils with what `read` makes of the answer. `read` is given a function to call at every sign of
  * life; after `patience` milliseconds without one the server counts as gone, and so does a connection that breaks.
+ * @param {string} path
+ * @param {RequestInit} options
  */
-async function ask(path, options, read, { patience = PATIENCE, signal } = {}) {
+async function ask(path, options, read, { patience = PATIENCE, signal } = /** @type {Limits} */ ({})) {
   const ended = new AbortController();
   const end = () => ended.abort();
   let timer;
@@ -54,8 +59,19 @@ async function ask(path, options, read, { patience = PATIENCE, signal } = {}) {
 
 const asJson = (response) => response.json();
 
+/**
+ * @template {keyof Answers} Path
+ * @param {Path} path
+ * @returns {Promise<Answers[Path]>}
+ */
 export const get = (path) => ask(path, {}, asJson);
 
+/**
+ * @template {keyof Bodies} Path
+ * @param {Path} path
+ * @param {Bodies[Path]} body
+ * @param {Limits} [limits]
+ */
 export function post(path, body, limits) {
   const headers = { 'Content-Type': 'application/json', 'X-Harbrook': '1' };
   return ask(path, { method: 'POST', headers, body: JSON.stringify(body) }, asJson, limits);

@@ -44,14 +44,15 @@ function search(route) {
       value: store.search,
       onInput(event) {
         if (route.view !== 'home') location.hash = '#/';
-        update({ search: event.target.value });
+        update({ search: event.currentTarget.value });
       },
       onKeydown(event) {
         if (event.key === 'Escape') {
-          event.target.value = '';
+          event.currentTarget.value = '';
           update({ search: '' });
-          event.target.blur();
+          event.currentTarget.blur();
         } else if (event.key === 'Enter' || event.key === 'ArrowDown') {
+          /** @type {HTMLElement} */
           const first = document.querySelector('#page [data-step]');
           first?.focus();
           if (event.key === 'Enter' && store.search !== '') first?.click();
@@ -88,6 +89,7 @@ export function header(route) {
   );
 }
 
+/** @param {string[]} entry */
 function place([view, hash, title, sign], current, badge) {
   return h(
     'a',

@@ -107,7 +107,7 @@ window.addEventListener('hashchange', () => {
 });
 
 window.addEventListener('keydown', (event) => {
-  const typing = event.target.closest?.('input, textarea, select');
+  const typing = event.target instanceof Element && event.target.closest('input, textarea, select');
   if (event.key === '/' && !typing && !event.metaKey && !event.ctrlKey && !event.altKey) {
     event.preventDefault();
     document.getElementById('search').focus();

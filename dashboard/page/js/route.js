@@ -1,3 +1,6 @@
+/** @typedef {{ view: string, path?: string }} Route */
+/** @typedef {{ overview: import('../../types/api.js').Overview, route?: Route }} View */
+
 const VIEWS = new Set(['services', 'docker', 'ports', 'settings', 'about']);
 
 function decoded(text) {
@@ -8,7 +11,10 @@ function decoded(text) {
   }
 }
 
-/** The view that a location hash names: { view } or { view: 'project', path }. */
+/**
+ * The view that a location hash names: { view } or { view: 'project', path }.
+ * @returns {Route}
+ */
 export function routeOf(hash) {
   const name = hash.replace(/^#?\/?/, '');
   if (name === '') return { view: 'home' };

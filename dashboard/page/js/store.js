@@ -1,4 +1,7 @@
+/** @import { About, Overview } from '../../types/api.js' */
+
 // What the page knows (`overview`, from the server) and what the user is looking for (`search`, `filter`).
+/** @type {{ overview: Overview, about: About, problem: { status: number, message: string }, search: string, filter: string }} */
 export const store = {
   overview: null,
   about: null,

@@ -13,7 +13,12 @@ const PLACES = [
   '/Applications/Google Chrome.app/Contents/MacOS/Google Chrome',
 ];
 
-/** The browser's program, or why the page cannot be tested here. */
+/** @typedef {{ missing?: string, executable?: string, chromium?: import('playwright-core').BrowserType }} Browser */
+
+/**
+ * The browser's program, or why the page cannot be tested here.
+ * @returns {Promise<Browser>}
+ */
 export async function findBrowser() {
   const executable = PLACES.find((path) => path && existsSync(path));
   if (!executable) return { missing: 'Chromium is not installed' };
@@ -24,8 +29,12 @@ export async function findBrowser() {
   }
 }
 
-/** A headless browser with a profile of its own; closed and removed with the test. */
-export async function openBrowser(t, { executable, chromium }, options = {}) {
+/**
+ * A headless browser with a profile of its own; closed and removed with the test.
+ * @param {Browser} browser
+ */
+export async function openBrowser(t, browser, options = {}) {
+  const { executable, chromium } = browser;
   const profile = await mkdtemp(join(tmpdir(), 'harbrook-chromium-'));
   const context = await chromium.launchPersistentContext(profile, {
     executablePath: executable,

@@ -3,7 +3,14 @@ import { once } from 'node:events';
 import { createServer as createHttpServer } from 'node:http';
 import { join } from 'node:path';
 
-/** Has `server` listen until the test ends. */
+/** The port at which a server listens. */
+export const portOf = (server) => /** @type {import('node:net').AddressInfo} */ (server.address()).port;
+
+/**
+ * Has `server` listen until the test ends.
+ * @param {{ port: number, host: string } | { path: string }} where
+ * @returns {Promise<any>}
+ */
 export async function listen(t, server, where = { port: 0, host: '127.0.0.1' }) {
   server.listen(where);
   await once(server, 'listening');
@@ -16,7 +23,7 @@ export async function listen(t, server, where = { port: 0, host: '127.0.0.1' }) 
     server.close();
     for (const socket of sockets) socket.destroy();
   });
-  return where.path ? { path: where.path } : { host: '127.0.0.1', port: server.address().port };
+  return 'path' in where ? { path: where.path } : { host: '127.0.0.1', port: portOf(server) };
 }
 
 /** A container engine as far as the dashboard knows one; `events` tells its listeners of a change. */

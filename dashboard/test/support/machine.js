@@ -26,10 +26,20 @@ export async function makeHome(t) {
   return home;
 }
 
+/** @import { Answers, Overview } from '../../types/api.js' */
+/**
+ * @template {string} Path
+ * @typedef {Path extends `api/${infer Known extends keyof Answers}` ? Answers[Known] : any} Answer
+ */
+
 /**
  * Runs the dashboard with `home` and its standard input held open, at will with a limit of open `descriptors` or by
  * another `script`. Fulfilled once it has announced its port, with `port`, `child`, `output()` and the requests `get`
  * and `post`, which carry what an honest client carries.
+ * @param {{ after: (task: () => unknown) => void }} t
+ * @param {string} home
+ * @param {Record<string, string>} [environment]
+ * @param {{ descriptors?: number, script?: string }} [how]
  */
 export async function startDashboard(t, home, environment = {}, { descriptors, script = source } = {}) {
   const limit = descriptors ? ['/bin/sh', '-c', `ulimit -n ${descriptors} && exec "$@"`, 'sh'] : [];
@@ -76,6 +86,7 @@ export async function startDashboard(t, home, environment = {}, { descriptors, s
     port,
     output: () => output,
     get: (path) => fetch(`${address}/${path}`, { headers }),
+    /** @type {<Path extends string>(path: Path) => Promise<Answer<Path>>} */
     json: async (path) => (await fetch(`${address}/${path}`, { headers })).json(),
     post: (path, body) =>
       fetch(`${address}/${path}`, {
@@ -83,6 +94,7 @@ export async function startDashboard(t, home, environment = {}, { descriptors, s
         headers: { ...headers, 'Content-Type': 'application/json', 'X-Harbrook': '1' },
         body: JSON.stringify(body),
       }),
+    /** @type {(condition: (overview: Overview) => unknown) => Promise<Overview>} */
     until: (condition) => stateOf({ address, headers }, condition),
   };
 }

@@ -73,7 +73,13 @@ export async function describePage(title, tests) {
       for (const task of afterwards) await task();
     });
 
-    function open(test, hash = '#/', { inShell, address = sample.dashboard.address } = {}) {
+    /**
+     * @param {import('node:test').TestContext} test
+     * @param {string} [hash]
+     * @param {{ inShell?: boolean, address?: string }} [how]
+     */
+    function open(test, hash = '#/', how = {}) {
+      const { inShell, address = sample.dashboard.address } = how;
       return openPage(test, sample.context, `${address}/${hash}`, { inShell });
     }
 

@@ -27,7 +27,7 @@ async function collect(stream) {
  * the answer before once more ({ old }). `proxy.cutAll()` breaks every open connection.
  */
 export async function proxyTo(t, port) {
-  const proxy = { asked: [], treat: () => ({}) };
+  const proxy = { asked: [], treat: /** @type {(path: string) => Record<string, any>} */ (() => ({})) };
   const sockets = new Set();
   const answers = new Map();
 

@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { h } from 'preact';
 import { pageHead, section } from '../parts.js';
 import { isNative } from '../shell.js';
@@ -7,6 +8,7 @@ import { shortPath } from '../text.js';
 const isApple = /Mac/.test(navigator.platform);
 const modifier = isApple ? '⌘' : 'Ctrl+';
 
+/** @type {[string[], string][]} */
 const SHELL_KEYS = [
   [[`${modifier}1`], 'Dashboard'],
   [[`${modifier}2`], 'Services'],
@@ -14,12 +16,14 @@ const SHELL_KEYS = [
   [[`${modifier}4`], 'Ports'],
   [[`${modifier},`], 'Settings'],
 ];
+/** @type {[string[], string][]} */
 const KEYS = [
   [['/'], 'Search projects'],
   [['↑', '↓'], 'Move through the list'],
   [['Esc'], 'Clear the search, close a dialog'],
 ];
 
+/** @param {View} view */
 export function aboutView({ overview }) {
   const { about } = store;
   return [

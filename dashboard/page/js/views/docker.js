@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { h } from 'preact';
 import { containerStatus, empty, pageHead, portLink, section, spinner } from '../parts.js';
 import { hashOfProject } from '../route.js';
@@ -70,6 +71,7 @@ function group(title, containers, projectPath) {
   );
 }
 
+/** @param {View} view */
 export function dockerView({ overview }) {
   const { ready, docker } = overview.services;
   if (!ready) return [pageHead('Docker', 'The containers of this machine.'), spinner('Asking the container engine…')];

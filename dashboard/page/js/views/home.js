@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { askForFolder } from '../actions.js';
 import { h } from 'preact';
 import { empty, glyph, pageHead, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
@@ -137,6 +138,7 @@ function noProjects({ folders, home }) {
   );
 }
 
+/** @param {View} view */
 export function homeView({ overview }) {
   const { projects, folders, home, ready } = overview;
   if (projects.length === 0) {

@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { h } from 'preact';
 import { empty, pageHead, portLink, section } from '../parts.js';
 import { hashOfProject } from '../route.js';
@@ -73,6 +74,7 @@ function table(label, entries, projects, last) {
   );
 }
 
+/** @param {View} view */
 export function portsView({ overview }) {
   const { ports } = overview;
   const projects = new Map(overview.projects.map(({ path, name }) => [path, name]));

@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { chosen, saveProject } from '../actions.js';
 import { h } from 'preact';
 import { icon } from '../icons.js';
@@ -43,8 +44,8 @@ function commandForm({ path, ownCommand, foundCommand }) {
       key: `command ${path}`,
       onSubmit(event) {
         event.preventDefault();
-        const form = event.currentTarget;
-        const typed = form.elements.command.value.trim();
+        const form = /** @type {HTMLFormElement} */ (event.currentTarget);
+        const typed = form.elements['command'].value.trim();
         save(form, typed === '' || typed === foundCommand ? null : typed, 'Start command saved.');
       },
     },
@@ -156,13 +157,14 @@ function menuBarSwitch(project) {
       onChange: (event) =>
         saveProject(
           path,
-          { menubar: event.target.checked ? null : false },
-          event.target.checked ? 'Shown in the menu bar.' : 'Hidden from the menu bar.',
+          { menubar: event.currentTarget.checked ? null : false },
+          event.currentTarget.checked ? 'Shown in the menu bar.' : 'Hidden from the menu bar.',
         ),
     }),
   );
 }
 
+/** @param {View} view */
 export function projectView({ overview, route }) {
   const project = overview.projects.find(({ path }) => path === route.path);
   const back = h('a', { class: 'back', href: '#/', key: 'back' }, icon('back', 14), 'Dashboard');

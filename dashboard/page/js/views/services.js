@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { h } from 'preact';
 import { icon } from '../icons.js';
 import { copyable, pageHead, pathText, spinner } from '../parts.js';
@@ -59,6 +60,7 @@ function redisLine({ port, product, version, keys, needsPassword }, docker) {
   );
 }
 
+/** @param {import('../../../types/api.js').Engine} engine */
 function engine({ available, reason, version, socket, containers = [] }, home) {
   const running = containers.filter(({ state }) => state === 'running');
   const text = available
@@ -101,6 +103,7 @@ function engine({ available, reason, version, socket, containers = [] }, home) {
   );
 }
 
+/** @param {View} view */
 export function servicesView({ overview }) {
   const { services } = overview;
   const subtitle = 'The databases and containers that answer on this machine.';

@@ -1,3 +1,4 @@
+/** @import { View } from '../route.js' */
 import { askForFolder, saveFolders } from '../actions.js';
 import { h } from 'preact';
 import { icon } from '../icons.js';
@@ -21,6 +22,7 @@ function folderLine({ path, exists }, folders, home) {
   );
 }
 
+/** @param {View} view */
 export function settingsView({ overview }) {
   const { folders, foldersAreDefault, home } = overview;
   const { about } = store;
