@@ -5,11 +5,11 @@
 #include "tests/gtk/support/RealPlatform.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <mutex>
 #include <set>
 #include <thread>
 #include <vector>
@@ -34,9 +34,10 @@ TEST(MainLoop, stays_responsive_while_blocks_keep_adding_blocks) {
 
 TEST(MainLoop, what_a_timer_missed_is_not_made_up_for) {
     int calls = 0;
-    const auto timer = gtkPlatform().scheduledTimerWithTimeInterval(0.02, true, [&] { ++calls; });
-    std::this_thread::sleep_for(std::chrono::milliseconds(210));
-    for (int i = 0; i < 3; ++i)
+    const auto timer = gtkPlatform().scheduledTimerWithTimeInterval(0.2, true, [&] { ++calls; });
+    // Four calls are missed; while the loop turns, another one may fall due.
+    std::this_thread::sleep_for(std::chrono::milliseconds(900));
+    for (int i = 0; i < 10; ++i)
         g_main_context_iteration(nullptr, FALSE);
     EXPECT_LE(calls, 2);
     EXPECT_GE(calls, 1);
@@ -94,22 +95,20 @@ TEST(MainLoop, takes_blocks_from_many_threads_at_once) {
 
 TEST(Workers, idle_ones_are_used_again) {
     gtk::GlobalQueue queue;
-    std::mutex mutex;
-    std::set<std::thread::id> threads;
-    for (int i = 0; i < 50; ++i) {
+    // The system's numbers: the library's come again with new threads.
+    std::set<pid_t> threads;
+    bool usedAgain = false;
+    for (int i = 0; i < 1000 && !usedAgain; ++i) {
         gtk::Semaphore done(0);
         queue.async([&] {
-            {
-                const std::lock_guard lock(mutex);
-                threads.insert(std::this_thread::get_id());
-            }
+            usedAgain = !threads.insert(gettid()).second;
             done.signal();
         });
         ASSERT_TRUE(done.wait(30));
         // The worker is idle a moment after its block has signalled.
         std::this_thread::yield();
     }
-    EXPECT_LT(threads.size(), 25U);
+    EXPECT_TRUE(usedAgain);
 }
 
 TEST(Workers, a_burst_of_blocks_all_run) {

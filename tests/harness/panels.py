@@ -134,10 +134,20 @@ class Panel:
         self.desktop.screen.tool("mousemove", 300, 500)
 
     def choose(self, *keys):
-        self.desktop.screen.press(*keys)
+        """Presses the keys, each once what the one before it opens is there."""
+        for key in keys:
+            before = len(popups(self.desktop.screen, SUBMENU))
+            self.desktop.screen.press(key)
+            if key == "Right":
+                wait_until("the submenu is open", lambda: len(popups(self.desktop.screen, SUBMENU)) > before)
+            assert self.process.poll() is None, f"the panel has ended with {self.process.returncode}"
 
 
-def popups(screen):
+# The least width and height.
+MENU, SUBMENU = (120, 100), (60, 30)
+
+
+def popups(screen, least=MENU):
     """The menus on the screen: windows that no window manager touches, and larger than a tooltip's."""
     found = []
     for window in screen.root.query_tree().children:
@@ -146,7 +156,7 @@ def popups(screen):
         except (error.BadWindow, error.BadDrawable):
             continue
         is_shown = attributes.map_state == X.IsViewable and attributes.override_redirect
-        if is_shown and size.width > 120 and size.height > 100:
+        if is_shown and size.width > least[0] and size.height > least[1]:
             found.append(Rectangle(size.x, size.y, size.width, size.height))
     return found
 

@@ -46,6 +46,11 @@ def flood(size, **options):
     return {"do": "flood", "size": size, **options}
 
 
+def flood_numbered(size):
+    """Lines that all differ; the event that follows has their digest."""
+    return {"do": "flood-numbered", "size": size}
+
+
 def leave(status=0):
     return {"do": "exit", "status": status}
 

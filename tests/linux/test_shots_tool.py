@@ -96,6 +96,17 @@ def test_a_view_that_is_never_ready_is_said_and_taken_all_the_same(shots, tmp_pa
     assert size(tmp_path / "pictures" / "view-light.png")
 
 
+def test_what_outlives_the_program_and_writes_to_its_home_spoils_nothing(shots, make_shell, tmp_path):
+    program = tmp_path / "program"
+    writer = 'while :; do mkdir -p "$HOME/.cache/late" && : >"$HOME/.cache/late/$((count += 1))"; done'
+    shell = make_shell(Plan(answers={"/": {"body": PAGE}}))
+    program.write_text(f"#!/bin/sh\n( {writer} ) 2>/dev/null &\nexec '{shell.executable}' \"$@\"\n")
+    program.chmod(0o755)
+    status, said = finish(shots([{"name": "view", "view": "#/", "appearances": ["light"]}], program=program))
+    assert status == 0, said
+    assert [line.split()[0] for line in said.splitlines()] == ["view-light.png"]
+
+
 def test_a_program_that_ends_is_said(shots):
     status, said = finish(shots([{"name": "view", "view": "#/", "appearances": ["dark"]}], program="/bin/false"))
     assert status == 1
@@ -125,5 +136,5 @@ def test_a_tool_that_is_interrupted_ends_all_that_it_started(shots, tmp_path, nu
     tool = shots([{"name": str(count), "view": "#/"} for count in range(20)])
     wait_until("the first picture", (tmp_path / "pictures" / "0-light.png").exists, within=40)
     tool.send_signal(number)
-    status, _ = finish(tool)
-    assert status == 130
+    status, said = finish(tool)
+    assert status == 130, said

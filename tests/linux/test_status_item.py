@@ -120,7 +120,8 @@ def test_without_a_session_bus_the_rest_works(make_shell, make_desktop):
     shell.server.wait_for_request("/api/state")
     shell.window()
     shell.quit()
-    assert "Status" not in shell.output
+    # The engine's own processes do complain.
+    assert [line for line in shell.output.splitlines() if line and "(process:" not in line] == []
 
 
 def test_the_icon_follows_the_projects_and_stays_when_the_server_is_lost(make_shell, desktop, watcher):

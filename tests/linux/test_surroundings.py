@@ -11,17 +11,16 @@ from harness.tray import Watcher
 
 NEVER_ANSWERS = "/bin/sleep 600"
 
-# Enough for a loaded machine, far below the 25 seconds that a stalled bus call takes.
-PROMPTLY = 8.0
+STALLED_CALL = 25.0  # seconds until GLib gives up on a call without an answer
 
 
-def assert_starts_promptly(shell):
-    started = time.monotonic()
+def assert_does_not_wait(shell):
+    """That all is there before a call that is never answered could come to its end."""
+    deadline = time.monotonic() + STALLED_CALL - 1
     shell.start()
-    shell.switchboard.server(within=PROMPTLY).wait_for("started", within=PROMPTLY)
-    shell.window(within=PROMPTLY)
-    shell.server.wait_for_page(within=PROMPTLY)
-    assert time.monotonic() - started < PROMPTLY
+    shell.switchboard.server(within=deadline - time.monotonic()).wait_for("started")
+    shell.window(within=deadline - time.monotonic())
+    shell.server.wait_for_page(within=deadline - time.monotonic())
 
 
 @pytest.mark.parametrize(
@@ -36,11 +35,11 @@ def assert_starts_promptly(shell):
 @pytest.mark.parametrize("use_portals", [None, "1"], ids=["", "told to use portals"])
 def test_a_portal_in_trouble_holds_nothing_up(make_desktop, make_shell, services, use_portals):
     environment = {"GTK_USE_PORTAL": use_portals}
-    assert_starts_promptly(make_shell(desktop=make_desktop(services=services), environment=environment))
+    assert_does_not_wait(make_shell(desktop=make_desktop(services=services), environment=environment))
 
 
-def test_without_a_session_bus_it_starts_promptly(make_desktop, make_shell):
-    assert_starts_promptly(make_shell(desktop=make_desktop(bus=False)))
+def test_without_a_session_bus_it_waits_for_none(make_desktop, make_shell):
+    assert_does_not_wait(make_shell(desktop=make_desktop(bus=False)))
 
 
 def test_it_outlives_its_session_bus(make_desktop, make_shell):
@@ -59,7 +58,7 @@ def test_a_session_bus_that_is_slow_is_taken_when_it_comes(make_desktop, make_sh
     watcher = Watcher(desktop).arrive()
     try:
         desktop.stall_bus()
-        assert_starts_promptly(shell)
+        assert_does_not_wait(shell)
         desktop.stall_bus(False)
         assert watcher.item().property("Id") == "Harbrook"
     finally:

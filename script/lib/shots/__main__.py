@@ -82,9 +82,10 @@ def main():
         signal.signal(number, interrupt)
     try:
         well = take_all(chosen, listed)
-    except KeyboardInterrupt:
-        well = False
-    # On its way it may have been taken for a failure.
+    except BaseException:
+        if not interrupts:
+            raise
+    # Whatever became of it on its way.
     if interrupts:
         return 130
     return 0 if well else 1

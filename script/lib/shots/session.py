@@ -55,7 +55,8 @@ class Session:
         self._requests = 0
         self._undo = ExitStack()
         try:
-            self.home = Path(self._undo.enter_context(tempfile.TemporaryDirectory(prefix="harbrook-home-")))
+            # Gone with the desktop: some of the engine's processes write to it for a moment after the program's end.
+            self.home = Path(tempfile.mkdtemp(prefix="home-", dir=desktop.folder))
             self._furnish(plan.home, appearance)
             self._environment = desktop.environment | {
                 "HOME": str(self.home),
