@@ -2,9 +2,9 @@
 // notification's, and only one with a hash asks for a picture.
 
 #include "platform/gtk/bus/DistributedNotificationCenter.h"
-#include "platform/gtk/foundation/GObjectPtr.h"
 #include "shots/ScreenshotRequest.h"
 #include "tests/fuzz/FuzzInput.h"
+#include "tests/fuzz/FuzzVariants.h"
 
 #include <array>
 
@@ -34,17 +34,13 @@ bool isOneDictionary(GVariant* arguments) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    // What the library complains of is a failure.
-    g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_FATAL_MASK));
+    fuzz::failAtComplaints();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
-    // The library lays no bytes out that are not aligned; a copy is.
-    const gtk::GBytesPtr bytes(g_bytes_new(data + 1, size - 1));
-    const GVariantType* kind = G_VARIANT_TYPE(kinds.at(data[0] % kinds.size()));
-    const gtk::GVariantPtr arguments(g_variant_ref_sink(g_variant_new_from_bytes(kind, bytes.get(), FALSE)));
+    const auto arguments = fuzz::variantOf(kinds.at(data[0] % kinds.size()), data + 1, size - 1);
     const auto userInfo = gtk::userInfoFromArguments(arguments.get());
     fuzz::require(userInfo.has_value() == isOneDictionary(arguments.get()));
     if (!userInfo) return 0;

@@ -16,6 +16,22 @@ constexpr auto desktopSchema = "org.gnome.desktop.interface";
 
 } // namespace
 
+std::optional<ColorScheme> colorSchemeFromPortal(GVariant* value) {
+    // The answer to `Read` is a variant inside a variant; the signal carries it bare.
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) {
+        const GVariantPtr inner(g_variant_get_variant(value));
+        return colorSchemeFromPortal(inner.get());
+    }
+    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) return std::nullopt;
+    const auto number = g_variant_get_uint32(value);
+    return number == 1 ? ColorScheme::dark : number == 2 ? ColorScheme::light : ColorScheme::noPreference;
+}
+
+ColorScheme colorSchemeFromSettings(std::string_view value) {
+    if (value == "prefer-dark") return ColorScheme::dark;
+    return value == "prefer-light" ? ColorScheme::light : ColorScheme::noPreference;
+}
+
 DesktopColorScheme::DesktopColorScheme(std::function<void()> changed)
     : changed_(std::move(changed)), pending_(GObjectPtr<GCancellable>::adopt(g_cancellable_new())) {
     readSettingsSchema();
@@ -42,11 +58,7 @@ void DesktopColorScheme::readSettingsSchema() {
         auto& scheme = *static_cast<DesktopColorScheme*>(self);
         if (scheme.portalAnswered_) return;
         const GCharPtr text(g_settings_get_string(settings, colorSchemeKey));
-        const std::string_view chosen = text.get();
-        scheme.become(
-            chosen == "prefer-dark"    ? ColorScheme::dark
-            : chosen == "prefer-light" ? ColorScheme::light
-                                       : ColorScheme::noPreference);
+        scheme.become(colorSchemeFromSettings(text.get()));
     };
     connections_.add(settings_.get(), "changed::color-scheme", read, this);
     read(settings_.get(), colorSchemeKey, this);
@@ -104,16 +116,10 @@ void DesktopColorScheme::askPortal() {
 }
 
 void DesktopColorScheme::portalSays(GVariant* value) {
-    // The answer to `Read` is a variant inside a variant; the signal carries it bare.
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) {
-        const GVariantPtr inner(g_variant_get_variant(value));
-        portalSays(inner.get());
-        return;
-    }
-    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) return;
+    const auto scheme = colorSchemeFromPortal(value);
+    if (!scheme) return;
     portalAnswered_ = true;
-    const auto number = g_variant_get_uint32(value);
-    become(number == 1 ? ColorScheme::dark : number == 2 ? ColorScheme::light : ColorScheme::noPreference);
+    become(*scheme);
 }
 
 void DesktopColorScheme::become(ColorScheme scheme) {

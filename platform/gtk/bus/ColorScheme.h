@@ -5,10 +5,17 @@
 #include <gio/gio.h>
 
 #include <functional>
+#include <optional>
+#include <string_view>
 
 namespace harbrook::gtk {
 
 enum class ColorScheme { noPreference, dark, light };
+
+/// What the settings portal says: a number, however often it is wrapped. None for anything else.
+[[nodiscard]] std::optional<ColorScheme> colorSchemeFromPortal(GVariant* value);
+/// What the desktop's settings schema says.
+[[nodiscard]] ColorScheme colorSchemeFromSettings(std::string_view value);
 
 /// The look that the user has chosen for the desktop as a whole. The settings portal has the last word; until
 /// it answers, and where there is none, the desktop's own settings schema has it. Main thread.

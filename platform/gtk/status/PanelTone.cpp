@@ -36,6 +36,12 @@ bool hasDarkPanel(std::string_view desktops) {
     return std::ranges::any_of(dark, [&](auto name) { return isAmongDesktops(name, desktops); });
 }
 
+std::optional<PanelTone> toneOfTheme(std::string_view name) {
+    if (name.ends_with("-dark")) return PanelTone::dark;
+    if (name.ends_with("-light")) return PanelTone::light;
+    return std::nullopt;
+}
+
 std::optional<PanelTone> plasmaPanelTone(const std::vector<std::filesystem::path>& settings) {
     using KeyFile = std::unique_ptr<GKeyFile, FreeWith<g_key_file_unref>>;
     for (const auto& path : settings) {
@@ -43,12 +49,15 @@ std::optional<PanelTone> plasmaPanelTone(const std::vector<std::filesystem::path
         if (!g_key_file_load_from_file(file.get(), path.c_str(), G_KEY_FILE_NONE, nullptr)) continue;
         const GCharPtr name(g_key_file_get_string(file.get(), "Theme", "name", nullptr));
         if (!name) continue;
-        const std::string_view theme = name.get();
-        if (theme.ends_with("-dark")) return PanelTone::dark;
-        if (theme.ends_with("-light")) return PanelTone::light;
-        return std::nullopt;
+        return toneOfTheme(name.get());
     }
     return std::nullopt;
+}
+
+bool isSwitchedOn(GVariant* answer) {
+    const GVariantPtr boxed(g_variant_get_child_value(answer, 0));
+    const GVariantPtr value(g_variant_get_variant(boxed.get()));
+    return g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(value.get());
 }
 
 PanelToneWatch::PanelToneWatch(std::function<void()> changed) : changed_(std::move(changed)) {
@@ -102,11 +111,7 @@ void PanelToneWatch::askOn(const GObjectPtr<GDBusConnection>& connection) {
 }
 
 void PanelToneWatch::answered(GVariant* isDark) {
-    const GVariantPtr boxed(g_variant_get_child_value(isDark, 0));
-    const GVariantPtr value(g_variant_get_variant(boxed.get()));
-    const bool isAlwaysDark =
-        g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(value.get());
-    if (isAlwaysDark) fixed_ = PanelTone::dark;
+    if (isSwitchedOn(isDark)) fixed_ = PanelTone::dark;
     update();
 }
 

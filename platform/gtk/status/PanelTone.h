@@ -43,10 +43,15 @@ private:
     SignalConnections connections_;
 };
 
+/// What a desktop answers to the question for one of its settings: whether that is the boolean true.
+[[nodiscard]] bool isSwitchedOn(GVariant* answer);
+
 /// Whether `name` is among the desktops of XDG_CURRENT_DESKTOP, which are separated by colons.
 [[nodiscard]] bool isAmongDesktops(std::string_view name, std::string_view desktops);
 /// Whether one of these desktops keeps a dark panel at all times.
 [[nodiscard]] bool hasDarkPanel(std::string_view desktops);
+/// The tone that a theme of Plasma's has by its name; none for one that follows the colours of windows.
+[[nodiscard]] std::optional<PanelTone> toneOfTheme(std::string_view name);
 /// The tone that a panel of Plasma has by its theme, as the first of these files tells that names one
 /// ("Theme", "name" in plasmarc), or none for a theme that follows the colours of windows.
 [[nodiscard]] std::optional<PanelTone> plasmaPanelTone(const std::vector<std::filesystem::path>& settings);

@@ -2,8 +2,6 @@
 
 #include "platform/gtk/foundation/GObjectPtr.h"
 
-#include <glib.h>
-
 #include <utility>
 
 namespace harbrook::gtk {
@@ -43,23 +41,26 @@ std::optional<int> integer(GKeyFile* file, const std::string& group, const char*
 
 } // namespace
 
-FrameAutosave::FrameAutosave(std::string name) : name_(std::move(name)) {}
-
-std::optional<SavedFrame> FrameAutosave::load() const {
-    const KeyFile file = read();
-    const auto width = integer(file.get(), name_, keyWidth);
-    const auto height = integer(file.get(), name_, keyHeight);
+std::optional<SavedFrame> savedFrame(GKeyFile* file, const std::string& group) {
+    const auto width = integer(file, group, keyWidth);
+    const auto height = integer(file, group, keyHeight);
     const auto isSize = [](const std::optional<int>& length) {
         return length && *length > 0 && *length <= largestSize;
     };
     if (!isSize(width) || !isSize(height)) return std::nullopt;
     SavedFrame frame;
     frame.size = {static_cast<double>(*width), static_cast<double>(*height)};
-    const auto x = integer(file.get(), name_, keyX);
-    const auto y = integer(file.get(), name_, keyY);
+    const auto x = integer(file, group, keyX);
+    const auto y = integer(file, group, keyY);
     if (x && y) frame.topLeft = Point{static_cast<double>(*x), static_cast<double>(*y)};
-    frame.isMaximized = g_key_file_get_boolean(file.get(), name_.c_str(), keyMaximized, nullptr);
+    frame.isMaximized = g_key_file_get_boolean(file, group.c_str(), keyMaximized, nullptr);
     return frame;
+}
+
+FrameAutosave::FrameAutosave(std::string name) : name_(std::move(name)) {}
+
+std::optional<SavedFrame> FrameAutosave::load() const {
+    return savedFrame(read().get(), name_);
 }
 
 void FrameAutosave::save(const SavedFrame& frame) {

@@ -48,6 +48,29 @@ GVariant* openFileArguments(const PortalFolderChooser::Question& question, const
 
 } // namespace
 
+guint32 portalVersion(GVariant* answer) {
+    const GVariantPtr boxed(g_variant_get_child_value(answer, 0));
+    const GVariantPtr value(g_variant_get_variant(boxed.get()));
+    return g_variant_is_of_type(value.get(), G_VARIANT_TYPE_UINT32) ? g_variant_get_uint32(value.get()) : 0;
+}
+
+std::optional<PortalResponse> portalResponse(GVariant* arguments) {
+    constexpr guint32 success = 0;
+    if (!g_variant_is_of_type(arguments, G_VARIANT_TYPE("(ua{sv})"))) return std::nullopt;
+    guint32 response = 0;
+    GVariant* found = nullptr;
+    g_variant_get(arguments, "(u@a{sv})", &response, &found);
+    const GVariantPtr results(found);
+    const GVariantPtr addresses(g_variant_lookup_value(results.get(), "uris", G_VARIANT_TYPE_STRING_ARRAY));
+    if (response != success || !addresses || g_variant_n_children(addresses.get()) == 0) {
+        return PortalResponse();
+    }
+    const char* address = nullptr;
+    g_variant_get_child(addresses.get(), 0, "&s", &address);
+    const GCharPtr path(g_filename_from_uri(address, nullptr, nullptr));
+    return path ? PortalResponse{path.get()} : PortalResponse();
+}
+
 PortalFolderChooser::PortalFolderChooser(Question question, Answered answered, Unavailable unavailable)
     : question_(std::move(question)),
       answered_(std::move(answered)),
@@ -89,14 +112,7 @@ void PortalFolderChooser::gotBus(GObjectPtr<GDBusConnection> bus) {
 }
 
 void PortalFolderChooser::gotVersion(GVariant* answer) {
-    guint32 version = 0;
-    if (answer) {
-        GVariant* value = nullptr;
-        g_variant_get(answer, "(v)", &value);
-        const GVariantPtr owned(value);
-        if (g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) version = g_variant_get_uint32(value);
-    }
-    if (version < neededVersion) {
+    if (!answer || portalVersion(answer) < neededVersion) {
         unavailable_();
         return;
     }
@@ -132,26 +148,14 @@ void PortalFolderChooser::open() {
 }
 
 void PortalFolderChooser::responded(GVariant* parameters) {
-    constexpr guint32 success = 0;
-    if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(ua{sv})"))) return;
+    const auto response = portalResponse(parameters);
+    if (!response) return;
     stopListening();
     // The user may be faster than the answer to the request.
     g_cancellable_cancel(pending_.get());
-    guint32 response = 0;
-    GVariant* found = nullptr;
-    g_variant_get(parameters, "(u@a{sv})", &response, &found);
-    const GVariantPtr results(found);
-    const char* address = nullptr;
-    std::optional<std::filesystem::path> folder;
-    const GVariantPtr addresses(g_variant_lookup_value(results.get(), "uris", G_VARIANT_TYPE_STRING_ARRAY));
-    if (response == success && addresses && g_variant_n_children(addresses.get()) > 0) {
-        g_variant_get_child(addresses.get(), 0, "&s", &address);
-        const GCharPtr path(g_filename_from_uri(address, nullptr, nullptr));
-        if (path) folder = path.get();
-    }
     // The receiver may let go of this object.
     const auto answered = answered_;
-    answered(folder);
+    answered(response->folder);
 }
 
 void PortalFolderChooser::fail() {

@@ -11,6 +11,18 @@
 
 namespace harbrook::gtk {
 
+/// The version of a portal's interface, as its answer to the question for that property; 0 for any other
+/// answer.
+[[nodiscard]] guint32 portalVersion(GVariant* answer);
+
+/// What the user did with the portal's dialog, from the arguments of its response.
+struct PortalResponse {
+    /// None if the user chose none, or what is no file.
+    std::optional<std::filesystem::path> folder;
+};
+/// None for arguments that are no response.
+[[nodiscard]] std::optional<PortalResponse> portalResponse(GVariant* arguments);
+
 /// Asks for a folder with the dialog of the desktop portal (org.freedesktop.portal.FileChooser), which is the
 /// desktop's own whatever toolkit it is made with. Nothing is waited for. Main thread.
 class PortalFolderChooser {
