@@ -98,7 +98,7 @@ export class Dashboard extends EventEmitter {
     await this.runner.start(project, command);
   }
 
-  /** Fulfilled when the project has ended, or when it is still being waited for after as long as a client would wait. */
+  /** Fulfilled when the project has ended, or is still being waited for after as long as a client would wait. */
   async stopProject(path) {
     const stopped = this.runner.stop(path);
     const answer = new AbortController();

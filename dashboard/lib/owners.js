@@ -50,3 +50,16 @@ export function composedAndRunning(projects, containers) {
   const up = new Set(containers.filter(isRunning).map(({ project }) => project));
   return new Set(projects.filter(({ kind, path }) => kind === 'Compose' && up.has(path)).map(({ path }) => path));
 }
+
+const HELPER_NAMES =
+  /^(ngrok|cloudflared|bore|frpc|zrok|tailscaled?|ssh|sshd|autossh|devtunnel|code|code-tunnel|code-server|codium|cursor|windsurf|zed|gopls|rust-analyzer|clangd|pylsp|pyright|ruff|copilot|dlv|lldb-server|gdbserver|.*-language-server|.*-lsp)$/;
+const HELPER_COMMANDS =
+  /language-?server|tsserver\.js|[/ ](localtunnel|lt|ngrok|untun|pyright)\b|\/\.(vscode|vscode-server|cursor|cursor-server|windsurf|windsurf-server)\/|jetbrains|--stdio\b|\blsp\b/i;
+
+/**
+ * Whether a process in a project's folder is a tunnel, a language server or another helper of an editor: it listens, and
+ * yet the project does not run by it.
+ */
+export function isHelper({ name, command }) {
+  return HELPER_NAMES.test(name) || HELPER_COMMANDS.test(command.slice(0, 2000));
+}

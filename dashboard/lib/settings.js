@@ -68,6 +68,10 @@ export class Settings extends EventEmitter {
   #file;
   #home;
   #value = { folders: null, projects: {} };
+
+  /** Why the file cannot be read though it may be whole, in a sentence; or null. Nothing is changed meanwhile. */
+  problem = null;
+
   #lastWrite = Promise.resolve();
 
   constructor({ dataDirectory, home }) {
@@ -82,9 +86,11 @@ export class Settings extends EventEmitter {
     try {
       text = readFileSync(this.#file, 'utf8');
     } catch (error) {
-      if (error.code !== 'ENOENT') console.error(`Settings could not be read: ${error.message}`);
+      this.problem = error.code === 'ENOENT' ? null : `The settings cannot be read (${error.code}).`;
+      if (this.problem) console.error(`${this.problem} ${this.#file}`);
       return;
     }
+    this.problem = null;
     try {
       this.#value = fromFile(text);
     } catch (error) {
@@ -118,6 +124,23 @@ export class Settings extends EventEmitter {
     return this.#change((value) => ({ ...value, folders: checked }));
   }
 
+  /** Adds a folder to those to look in; of the usual ones those stay of which `isThere` says so. */
+  addFolder(folder, isThere) {
+    const [checked] = checkedFolders([folder]);
+    return this.#change((value) => {
+      const before = value.folders ?? this.folders.filter(isThere);
+      return { ...value, folders: checkedFolders([...before, checked]) };
+    });
+  }
+
+  /** Looks in a folder no longer. */
+  removeFolder(folder, isThere) {
+    return this.#change((value) => {
+      const before = value.folders ?? this.folders.filter(isThere);
+      return { ...value, folders: before.filter((known) => known !== folder) };
+    });
+  }
+
   /** Sets `command` and `menubar` of a project, each only when present in `patch`; null removes the choice. */
   setProject(path, patch) {
     const changes = {};
@@ -134,6 +157,9 @@ export class Settings extends EventEmitter {
 
   #change(change) {
     const write = this.#lastWrite.then(async () => {
+      // What could not be read may be readable by now; what is not must not be replaced.
+      if (this.problem) this.#load();
+      if (this.problem) throw new Refusal('failed', `${this.problem} Nothing is changed.`);
       const next = change(this.#value);
       try {
         await writeFileAtomically(this.#file, `${JSON.stringify(next, null, 2)}\n`);

@@ -1,6 +1,8 @@
 /** @import { Overview, Port, Run, State, Stats } from '../types/api.js' */
 import { readFileSync } from 'node:fs';
-import { composedAndRunning, containersWithProjects, portsWithProjects, projectLookup } from './owners.js';
+import { composedAndRunning, containersWithProjects, isHelper, portsWithProjects, projectLookup } from './owners.js';
+import { isForBrowsers } from './ports/protocols.js';
+import { shownText } from './text.js';
 
 const collator = new Intl.Collator(undefined, { numeric: true, sensitivity: 'base' });
 
@@ -15,18 +17,23 @@ function join(dashboard) {
   const projects = dashboard.projects();
   const projectOf = projectLookup(projects);
   const containers = containersWithProjects(dashboard.services.value.docker.containers, projectOf);
-  const ports = portsWithProjects(dashboard.ports.ports, { projectOf, groups: dashboard.runner.groups(), containers });
+  const groups = dashboard.runner.groups();
+  const ports = portsWithProjects(dashboard.ports.ports, { projectOf, groups, containers });
   const composed = composedAndRunning(projects, containers);
   const portsOf = new Map();
-  for (const { port, project, container } of ports) {
+  for (const { project, container, ...entry } of ports) {
     // A database in a container belongs to a web application, and yet does not make it run.
     if (!project || (container && !composed.has(project))) continue;
-    portsOf.set(project, (portsOf.get(project) ?? new Set()).add(port));
+    const holder = entry.process;
+    if (holder && !groups.has(holder.group) && isHelper(holder)) continue;
+    portsOf.set(project, [...(portsOf.get(project) ?? []), { ...entry, container }]);
   }
   const joined = projects.map((project) => {
-    const own = [...(portsOf.get(project.path) ?? [])].sort((one, other) => one - other);
+    const own = portsOf.get(project.path) ?? [];
+    const links = [...new Set(own.filter(isForBrowsers).map(({ port }) => port))].sort((one, other) => one - other);
     const appRunning = dashboard.runner.isRunning(project.path);
-    return { project, ports: own, appRunning, running: appRunning || own.length > 0 || composed.has(project.path) };
+    const running = appRunning || own.length > 0 || composed.has(project.path);
+    return { project, ports: links, appRunning, running };
   });
   joined.sort(
     (one, other) =>
@@ -85,16 +92,27 @@ function userName(uid) {
 }
 
 /** @returns {Port} */
-function describePort({ port, addresses, uid, process: holder, project, container }) {
+function describePort(entry) {
+  const { port, addresses, uid, process: holder, project, container } = entry;
   return {
     port,
     addresses,
     user: userName(uid),
     own: uid === undefined ? Boolean(holder) : uid === process.getuid(),
-    process: holder ? { pid: holder.pid, name: holder.name, command: holder.command.slice(0, 300) } : null,
-    container: container ? { name: container.name, image: container.image } : null,
+    isForBrowsers: isForBrowsers(entry),
+    process: holder ? { pid: holder.pid, name: shownText(holder.name), command: shownText(holder.command, 300) } : null,
+    container: container ? { name: shownText(container.name), image: shownText(container.image) } : null,
     project,
   };
+}
+
+/** The folders to look in, whether each is there, and whether it holds more than is looked through. */
+export function foldersOf({ settings, finder }) {
+  return settings.folders.map((path) => ({
+    path,
+    exists: finder.folderExists(path),
+    isCut: finder.folderIsCut(path),
+  }));
 }
 
 /**
@@ -110,7 +128,8 @@ export function overviewOf(dashboard) {
     ready: finder.ready,
     foldersAreDefault: settings.foldersAreDefault,
     home: dashboard.home,
-    folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),
+    settingsProblem: settings.problem,
+    folders: foldersOf(dashboard),
     projects: joined.map(({ project, ports: own, appRunning, running }) => {
       const choices = settings.project(project.path);
       return {

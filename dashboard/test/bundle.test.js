@@ -38,7 +38,7 @@ test('the lock file says of every package what its bytes must be, and not where 
   }
 });
 
-test('the bundle is one file for the server and one for the page, with their maps and licences', async (t) => {
+test('the bundle is a file for the server, one for its worker and one for the page, with their maps and licences', async (t) => {
   const app = await makeBundle(t);
   const workers = (await filesIn(join(dashboard, 'lib'))).filter((file) => file.endsWith('-worker.js'));
   const scripts = ['server.js', ...workers.map((file) => basename(file))];

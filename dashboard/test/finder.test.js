@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
 import { once } from 'node:events';
-import { mkdir, rename, rm, symlink, writeFile } from 'node:fs/promises';
+import { mkdir, rename, rm, symlink, truncate, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { Finder } from '../lib/projects/finder.js';
@@ -145,4 +146,131 @@ test('folders can be chosen and left again, one inside the other too', async (t)
   await untilNames(finder, ['b']);
   finder.setFolders([]);
   assert.deepEqual(names(finder), []);
+});
+
+test('a new package of a workspace shows by itself, in a new folder and in an old one', async (t) => {
+  const { finder, home } = await find(t, {
+    'mono/package.json': { name: 'mono' },
+    'mono/packages/web/package.json': startable('web'),
+  });
+  assert.deepEqual(names(finder), ['mono', 'web']);
+  await mkdir(join(home, 'mono/packages/api'));
+  await writeTree(home, { 'mono/packages/api/package.json': startable('api') });
+  await untilNames(finder, ['api', 'mono', 'web']);
+  await mkdir(join(home, 'mono/apps/shop'), { recursive: true });
+  // Long after its folder was made.
+  await new Promise((resolve) => setTimeout(resolve, 2500));
+  await writeTree(home, { 'mono/apps/shop/package.json': startable('shop') });
+  await untilNames(finder, ['api', 'mono', 'shop', 'web']);
+});
+
+test('what starts the members follows the lock file at the root', async (t) => {
+  const { finder, home } = await find(t, {
+    'mono/package.json': { name: 'mono', workspaces: ['packages/*'] },
+    'mono/packages/web/package.json': startable('web'),
+  });
+  const command = () => finder.project(join(home, 'mono/packages/web')).command;
+  assert.equal(command(), 'npm run dev');
+  await writeFile(join(home, 'mono/yarn.lock'), '');
+  while (command() !== 'yarn run dev') await once(finder, 'change', { signal: AbortSignal.timeout(8000) });
+});
+
+test('a chosen folder with more than can be looked through is cut, nearest first, and costs the others nothing', async (t) => {
+  const home = await makeHome(t);
+  const files = { 'big/near/go.mod': 'module near', 'small/a/b/c/go.mod': 'module small' };
+  for (let index = 0; index < 60; index += 1) files[`big/data/part${index}/more/x.txt`] = '';
+  files['big/data/part1/deep/go.mod'] = 'module deep';
+  await writeTree(home, files);
+  const finder = new Finder({ mostFolders: 50 });
+  t.after(() => finder.close());
+  const [big, small] = [join(home, 'big'), join(home, 'small')];
+  finder.setFolders([big, small]);
+  await once(finder, 'ready');
+  assert.deepEqual(names(finder), ['near', 'small']);
+  assert.deepEqual([finder.folderIsCut(big), finder.folderIsCut(small)], [true, false]);
+  await rm(join(big, 'data'), { recursive: true });
+  while (finder.folderIsCut(big)) await once(finder, 'change', { signal: AbortSignal.timeout(8000) });
+  await writeTree(home, { 'big/new/go.mod': 'module new' });
+  await untilNames(finder, ['near', 'new', 'small']);
+});
+
+test('a chosen folder whose parents are missing too is noticed when it comes', async (t) => {
+  const { finder, home } = await find(t, {}, ['disk/user/projects']);
+  const root = join(home, 'disk/user/projects');
+  assert.equal(finder.folderExists(root), false);
+  for (const folder of ['disk', 'disk/user', 'disk/user/projects']) {
+    await mkdir(join(home, folder));
+    await new Promise((resolve) => setTimeout(resolve, 300));
+  }
+  await writeTree(home, { 'disk/user/projects/a/go.mod': 'module a' });
+  await untilNames(finder, ['a']);
+  await rm(join(home, 'disk'), { recursive: true });
+  await untilNames(finder, []);
+  await writeTree(home, { 'disk/user/projects/b/go.mod': 'module b' });
+  await untilNames(finder, ['b']);
+});
+
+test('a page or a makefile inside a project is no project, and none hides what is below it', async (t) => {
+  const { finder } = await find(t, {
+    'web/package.json': { name: 'web' },
+    'web/public/index.html': '',
+    'web/docs/Makefile': 'run:\n',
+    'site/index.html': '',
+    'site/blog/index.html': '',
+    'work/Makefile': 'run:\n',
+    'work/team/shop/go.mod': 'module shop',
+  });
+  assert.deepEqual(names(finder), ['shop', 'site', 'web', 'work']);
+});
+
+test('folders made to do harm do none', async (t) => {
+  const home = await makeHome(t);
+  await writeTree(home, { 'good/package.json': { name: 'good' } });
+  // Loops of links, of files and of folders.
+  await mkdir(join(home, 'loop'));
+  await symlink('.', join(home, 'loop/self'));
+  await symlink('../loop', join(home, 'loop/other'));
+  await symlink('package.json', join(home, 'loop/package.json'));
+  await symlink('/proc/self/root', join(home, 'everything'));
+  // Deep nesting, almost as long as a path may be.
+  execFileSync(
+    '/bin/sh',
+    ['-c', 'i=0; while [ $i -lt 15 ]; do mkdir "$0" && cd "$0" || exit 0; i=$((i + 1)); done', 'd'.repeat(200)],
+    { cwd: home },
+  );
+  // Manifests that never end, or are nothing to be read.
+  await mkdir(join(home, 'pipe'));
+  execFileSync('mkfifo', [join(home, 'pipe/package.json'), join(home, 'pipe/pyproject.toml')]);
+  await mkdir(join(home, 'sparse'));
+  await writeFile(join(home, 'sparse/package.json'), '{');
+  await truncate(join(home, 'sparse/package.json'), 100 * 1024 ** 3);
+  await mkdir(join(home, 'device'));
+  await symlink('/dev/zero', join(home, 'device/go.mod'));
+  await writeTree(home, {
+    'slow/pyproject.toml': `[${' '.repeat(500_000)}`,
+    'slow/CMakeLists.txt': '\n'.repeat(500_000),
+  });
+  // Names that are something else where they are shown.
+  const markup = '<img src=x onerror=alert(1)>\n\u202e';
+  await mkdir(join(home, markup));
+  await writeFile(join(home, markup, 'index.html'), '');
+
+  const finder = new Finder();
+  t.after(() => finder.close());
+  let longest = 0;
+  let before = performance.now();
+  const ticks = setInterval(() => {
+    longest = Math.max(longest, performance.now() - before - 10);
+    before = performance.now();
+  }, 10);
+  t.after(() => clearInterval(ticks));
+  finder.setFolders([home]);
+  await once(finder, 'ready');
+  assert.deepEqual(names(finder), ['<img src=x onerror=alert(1)>', 'device', 'good', 'loop', 'pipe', 'slow', 'sparse']);
+  const problemOf = (name) => finder.project(join(home, name)).problem;
+  assert.equal(problemOf('pipe'), 'package.json is not a file.');
+  assert.equal(problemOf('sparse'), 'package.json is too large to be read.');
+  assert.equal(problemOf('device'), 'go.mod is not a file.');
+  assert.equal(problemOf('loop'), 'package.json cannot be read.');
+  assert.ok(longest < 1000, `requests would have waited for ${longest.toFixed(0)} ms`);
 });

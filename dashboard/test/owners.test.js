@@ -1,6 +1,12 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { composedAndRunning, containersWithProjects, portsWithProjects, projectLookup } from '../lib/owners.js';
+import {
+  composedAndRunning,
+  containersWithProjects,
+  isHelper,
+  portsWithProjects,
+  projectLookup,
+} from '../lib/owners.js';
 
 const PROJECTS = [
   { path: '/p', realPath: '/p', kind: 'Compose' },
@@ -56,4 +62,22 @@ test('a published port belongs to its running container and that one’s project
 
 test('containers make a project run only where the project is nothing else', () => {
   assert.deepEqual([...composedAndRunning(PROJECTS, CONTAINERS)], ['/l/x']);
+});
+
+test('tunnels and language servers are told from what runs a project', () => {
+  const helpers = [
+    ['ngrok', 'ngrok http 3000'],
+    ['node', 'node /home/me/.vscode-server/bin/x/out/server-main.js'],
+    ['node', 'node node_modules/typescript/lib/tsserver.js'],
+    ['gopls', 'gopls serve'],
+    ['vue-language-server', 'vue-language-server --stdio'],
+    ['cloudflared', 'cloudflared tunnel'],
+  ];
+  for (const [name, command] of helpers) assert.equal(isHelper({ name, command }), true, command);
+  const programs = [
+    ['node', 'node server.js'],
+    ['python3', 'python3 manage.py runserver'],
+    ['node', 'node node_modules/.bin/vite'],
+  ];
+  for (const [name, command] of programs) assert.equal(isHelper({ name, command }), false, command);
 });

@@ -3,7 +3,7 @@ import { spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { createServer } from 'node:net';
 import { test } from 'node:test';
-import { parseLsof, parseNetstat } from '../lib/ports/darwin.js';
+import { parseLsof, parseNetstat, unescapeName } from '../lib/ports/darwin.js';
 import { parseListening } from '../lib/ports/linux.js';
 import { parseStat } from '../lib/processes/proc.js';
 import { PortWatcher } from '../lib/ports/port-watcher.js';
@@ -131,4 +131,11 @@ test('one server on several addresses is one port', async (t) => {
   const entries = watcher.ports.filter((entry) => entry.port === port);
   assert.equal(entries.length, 1);
   assert.deepEqual(entries[0].addresses.sort(), ['127.0.0.1', '127.0.0.2']);
+});
+
+test('folders whose names are not ASCII are read as lsof writes them', () => {
+  assert.equal(unescapeName('/Users/me/caf\\xc3\\xa9/\\xe6\\x97\\xa5'), '/Users/me/café/日');
+  assert.equal(unescapeName('/a\\\\b\\nc^Ad'), '/a\\b\nc\u0001d');
+  assert.equal(unescapeName('/plain/näme'), '/plain/näme');
+  assert.equal(parseLsof('p411\nfcwd\nn/Users/me/\\xc3\\xbcber\n')[0].folder, '/Users/me/über');
 });

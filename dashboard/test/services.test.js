@@ -1,11 +1,15 @@
 import assert from 'node:assert/strict';
 import { EventEmitter, once } from 'node:events';
+import { createHash } from 'node:crypto';
+import { createServer as createHttpServer } from 'node:http';
 import { createServer } from 'node:net';
 import { join } from 'node:path';
 import { test } from 'node:test';
-import { dockerSockets, probeDocker } from '../lib/services/docker.js';
+import { probeDocker } from '../lib/services/docker.js';
+import { engineTargets, targetOf } from '../lib/services/engines.js';
 import { postgresSockets, postgresVersion, probePostgres } from '../lib/services/postgres.js';
 import { probeRedis } from '../lib/services/redis.js';
+import { isForBrowsers } from '../lib/ports/protocols.js';
 import { Services } from '../lib/services/services.js';
 import { fakeEngine, listen } from './support/engine.js';
 import { makeHome, writeTree } from './support/machine.js';
@@ -124,6 +128,7 @@ const CONTAINERS = [
       { PrivatePort: 80, PublicPort: 8080, IP: '0.0.0.0' },
       { PrivatePort: 80, PublicPort: 8080, IP: '::' },
       { PrivatePort: 443 },
+      { PrivatePort: 53, PublicPort: 5353, Type: 'udp' },
     ],
     Labels: { 'com.docker.compose.project': 'shop', 'com.docker.compose.project.working_dir': '/p/shop' },
   },
@@ -140,7 +145,7 @@ const CONTAINERS = [
 
 test('containers are described by what the engine says', async (t) => {
   const engine = await fakeEngine(t, await makeHome(t), { containers: CONTAINERS });
-  const found = await probeDocker([engine.path]);
+  const found = await probeDocker([{ socketPath: engine.path }]);
   assert.equal(found.available, true);
   assert.equal(found.version, '27.1');
   assert.deepEqual(
@@ -161,19 +166,24 @@ test('containers are described by what the engine says', async (t) => {
 
 test('no engine is no error; one that fails or hangs is told', async (t) => {
   const home = await makeHome(t);
-  assert.deepEqual(await probeDocker([join(home, 'none')]), { available: false, reason: null });
+  assert.deepEqual(await probeDocker([{ socketPath: join(home, 'none') }]), { available: false, reason: null });
   const failing = await fakeEngine(t, home, { status: 500 });
-  assert.match((await probeDocker([failing.path])).reason, /status 500/);
+  assert.match((await probeDocker([{ socketPath: failing.path }])).reason, /status 500/);
   const other = await makeHome(t);
   const hanging = await fakeEngine(t, other, { hang: true });
-  assert.match((await probeDocker([hanging.path])).reason, /did not answer in time/);
-  assert.equal((await probeDocker([hanging.path, failing.path])).available, false);
+  assert.match((await probeDocker([{ socketPath: hanging.path }])).reason, /did not answer in time/);
+  assert.equal((await probeDocker([{ socketPath: hanging.path }, { socketPath: failing.path }])).available, false);
 });
 
 test('the user’s choice of an engine goes before the usual places', () => {
-  assert.deepEqual(dockerSockets({ home: '/h', environment: { DOCKER_HOST: 'unix:///x.sock' } }), ['/x.sock']);
-  const usual = dockerSockets({ home: '/h', environment: { XDG_RUNTIME_DIR: '/run/user/1' } });
-  assert.ok(usual.includes('/var/run/docker.sock') && usual.includes('/run/user/1/podman/podman.sock'));
+  const targets = (environment) => engineTargets({ home: '/h', environment });
+  assert.deepEqual(targets({ DOCKER_HOST: 'unix:///x.sock' }), [{ socketPath: '/x.sock' }]);
+  assert.deepEqual(targets({ CONTAINER_HOST: 'unix:///y.sock' }), [{ socketPath: '/y.sock' }]);
+  assert.deepEqual(targets({ DOCKER_HOST: 'tcp://127.0.0.1:2375' }), [{ host: '127.0.0.1', port: 2375 }]);
+  const usual = targets({ XDG_RUNTIME_DIR: '/run/user/1' }).map(({ socketPath }) => socketPath);
+  for (const path of ['/var/run/docker.sock', '/run/user/1/podman/podman.sock', '/h/.rd/docker.sock']) {
+    assert.ok(usual.includes(path), path);
+  }
 });
 
 test('services follow the ports and the engine’s events', async (t) => {
@@ -181,7 +191,7 @@ test('services follow the ports and the engine’s events', async (t) => {
   const engine = await fakeEngine(t, home, { containers: [] });
   const database = await listen(t, postgres('N'));
   const ports = Object.assign(new EventEmitter(), { ports: [] });
-  const services = new Services({ home, ports, sockets: [engine.path], postgresFolders: [home] });
+  const services = new Services({ home, ports, targets: () => [{ socketPath: engine.path }], postgresFolders: [home] });
   t.after(() => services.close());
   const change = () => once(services, 'change', { signal: AbortSignal.timeout(8000) });
 
@@ -216,8 +226,89 @@ test('a program on another port that is neither named nor published like a servi
   const ports = Object.assign(new EventEmitter(), {
     ports: [{ port, addresses: ['127.0.0.1'], process: { pid: 1, name: 'node', command: '' } }],
   });
-  const services = new Services({ home, ports, sockets: [], postgresFolders: [] });
+  const services = new Services({ home, ports, targets: () => [], postgresFolders: [] });
   await services.look();
   assert.equal(asked, 0);
   assert.equal(services.value.ready, true);
+});
+
+test('an engine of another kind is asked where that can be, and else it is said', async (t) => {
+  assert.deepEqual(targetOf('tcp://[::1]:2375'), { host: '::1', port: 2375 });
+  const safe = targetOf('tcp://build.example', '/certificates');
+  assert.deepEqual([safe.host, safe.port, safe.isSafe], ['build.example', 2376, true]);
+  for (const address of ['ssh://me@build.example', 'npipe:////./pipe/docker_engine', 'tcp://[', 'x']) {
+    assert.match((await probeDocker([targetOf(address)])).reason, /cannot be asked from here/);
+  }
+  const { port } = await listen(
+    t,
+    createHttpServer((request, response) => response.end(request.url === '/version' ? '{"Version":"5.4"}' : '[]')),
+  );
+  const found = await probeDocker([targetOf(`tcp://127.0.0.1:${port}`)]);
+  assert.deepEqual([found.available, found.version, found.socket], [true, '5.4', `127.0.0.1:${port}`]);
+});
+
+test('the engine of the chosen context is asked', async (t) => {
+  const home = await makeHome(t);
+  const id = createHash('sha256').update('colima').digest('hex');
+  await writeTree(home, {
+    '.docker/config.json': { currentContext: 'colima' },
+    [`.docker/contexts/meta/${id}/meta.json`]: { Name: 'colima', Endpoints: { docker: { Host: 'unix:///c.sock' } } },
+  });
+  const targets = (environment) => engineTargets({ home, environment });
+  assert.deepEqual(targets({}), [{ socketPath: '/c.sock' }]);
+  assert.deepEqual(targets({ DOCKER_HOST: 'unix:///x.sock' }), [{ socketPath: '/x.sock' }]);
+  assert.ok(targets({ DOCKER_CONTEXT: 'default' }).length > 3);
+  await writeTree(home, { '.docker/config.json': 'no JSON' });
+  assert.ok(targets({}).length > 3);
+});
+
+test('an engine that refuses to tell of its events is left in peace', async (t) => {
+  const home = await makeHome(t);
+  const engine = await fakeEngine(t, home, { refuseEvents: true });
+  const ports = Object.assign(new EventEmitter(), { ports: [] });
+  const services = new Services({ home, ports, targets: () => [{ socketPath: engine.path }], postgresFolders: [home] });
+  t.after(() => services.close());
+  services.start();
+  await once(services, 'change', { signal: AbortSignal.timeout(8000) });
+  await new Promise((resolve) => setTimeout(resolve, 2500));
+  const count = (path) => engine.asked.filter((asked) => asked === path).length;
+  assert.deepEqual([count('/events'), count('/version')], [1, 1]);
+  await services.look();
+  assert.deepEqual([count('/events'), count('/version')], [1, 2]);
+});
+
+test('a PostgreSQL server is asked once for a port and process', async (t) => {
+  const home = await makeHome(t);
+  let asked = 0;
+  const server = answering(() => {
+    asked += 1;
+    return 'S';
+  });
+  const { port } = await listen(t, server);
+  const entry = (pid) => ({
+    port,
+    addresses: ['127.0.0.1'],
+    process: { pid, name: 'postgres', command: '', folder: null },
+  });
+  const ports = Object.assign(new EventEmitter(), { ports: [entry(1)] });
+  const services = new Services({ home, ports, targets: () => [], postgresFolders: [home] });
+  for (let look = 0; look < 4; look += 1) await services.look();
+  assert.equal(asked, 1);
+  assert.equal(services.value.postgres[0].tls, true);
+  ports.ports = [entry(2)];
+  await services.look();
+  assert.equal(asked, 2);
+  ports.ports = [];
+  await services.look();
+  assert.deepEqual(services.value.postgres, []);
+});
+
+test('ports that no browser can use are told from the others', () => {
+  const process = (name) => ({ pid: 1, name, command: '' });
+  assert.equal(isForBrowsers({ port: 3000, process: process('node') }), true);
+  assert.equal(isForBrowsers({ port: 5432, process: null }), false);
+  assert.equal(isForBrowsers({ port: 3000, process: process('postgres') }), false);
+  const container = (port, inside) => ({ ports: [{ port, inside }] });
+  assert.equal(isForBrowsers({ port: 15432, process: null, container: container(15432, 5432) }), false);
+  assert.equal(isForBrowsers({ port: 5432, process: null, container: container(5432, 80) }), true);
 });

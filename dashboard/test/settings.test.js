@@ -1,5 +1,5 @@
 import assert from 'node:assert/strict';
-import { mkdir, readdir, readFile, stat, writeFile } from 'node:fs/promises';
+import { mkdir, readdir, readFile, rm, stat, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { Settings } from '../lib/settings.js';
@@ -121,7 +121,43 @@ test('a change that cannot be written is refused, undone, and hinders no later o
   const settings = open();
   await assert.rejects(settings.setFolders(['/a']), { reason: 'failed' });
   assert.equal(settings.foldersAreDefault, true);
-  await (await import('node:fs/promises')).rm(dataDirectory);
+  await rm(dataDirectory);
   await settings.setFolders(['/b']);
   assert.deepEqual(settings.folders, ['/b']);
+});
+
+test('settings that cannot be read though they may be whole are never replaced', async (t) => {
+  const { open, file, dataDirectory } = await makeSettings(t, '');
+  await rm(file);
+  // What no permission gives to everybody but root: a file that is there and cannot be read.
+  await mkdir(file);
+  const settings = open();
+  assert.match(settings.problem, /cannot be read/);
+  await assert.rejects(settings.setFolders(['/a']), {
+    reason: 'failed',
+    message: /cannot be read.*Nothing is changed/,
+  });
+  assert.deepEqual(await readdir(dataDirectory), ['settings.json']);
+  await rm(file, { recursive: true });
+  await writeFile(file, '{"folders": ["/kept"], "projects": {"/x": {"command": "run"}}}');
+  await settings.addFolder('/b', () => true);
+  assert.deepEqual(
+    [settings.problem, settings.folders, settings.project('/x').command],
+    [null, ['/kept', '/b'], 'run'],
+  );
+});
+
+test('a folder is added or removed without those that are missing at the moment', async (t) => {
+  const { home, open } = await makeSettings(t, '{"folders": ["/here", "/unplugged"]}');
+  const settings = open();
+  const isThere = (folder) => folder !== '/unplugged' && folder !== join(home, 'src');
+  await settings.addFolder('/new/', isThere);
+  assert.deepEqual(settings.folders, ['/here', '/unplugged', '/new']);
+  await settings.removeFolder('/here', isThere);
+  assert.deepEqual(settings.folders, ['/unplugged', '/new']);
+  assert.throws(() => settings.addFolder('relative', isThere), { reason: 'invalid' });
+  // Of the usual ones nobody has chosen those that are not there.
+  await settings.setFolders(null);
+  await settings.addFolder('/new', isThere);
+  assert.deepEqual(settings.folders, [...['projects', 'code', 'dev'].map((name) => join(home, name)), '/new']);
 });

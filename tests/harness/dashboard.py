@@ -35,7 +35,7 @@ PROJECTS = {
     "atlas/pyproject.toml": '[project]\nname = "atlas"\nversion = "1.12"\n',
     "atlas/manage.py": MANAGE_PY,
     "weather/CMakeLists.txt": "project(weather VERSION 0.3)\n",
-    "weather/Makefile": "serve:\n\tpython3 -m http.server --bind 127.0.0.1 0\n",
+    "weather/Makefile": "forecast:\n\tpython3 -m http.server --bind 127.0.0.1 0\n",
 }
 
 

@@ -150,7 +150,7 @@ def test_a_screen_reader_starts_and_stops_a_project_on_its_own_page(dashboard, p
 
 def test_a_command_typed_in_the_page_starts_a_project_that_names_none(dashboard, page):
     page.click(re.compile("weather.*"), LINK)
-    page.replace_text("Start command", "make serve")
+    page.replace_text("Start command", "make forecast")
     page.click("Save", BUTTON)
     page.click("Start weather", BUTTON)
     port = dashboard.wait_until_listening("weather")
@@ -267,13 +267,13 @@ def test_a_chosen_folder_is_looked_through_and_survives_a_restart(desktop, shell
 
 def test_a_start_command_survives_a_restart(shell, dashboard, page):
     page.click(re.compile("weather.*"), LINK)
-    page.replace_text("Start command", "make serve")
+    page.replace_text("Start command", "make forecast")
     page.click("Save", BUTTON)
     page.wait_for("Start weather", BUTTON)
     shell.quit()
     shell.start()
     page.wait_for("Start weather", BUTTON)
-    assert dashboard.project("weather")["ownCommand"] == "make serve"
+    assert dashboard.project("weather")["ownCommand"] == "make forecast"
 
 
 # The end

@@ -1,11 +1,12 @@
 import { streamEvents, streamLog } from './streams.js';
 import { sendJson } from './respond.js';
 import { about } from '../about.js';
+import { foldersOf } from '../snapshots.js';
 
 /** @returns {import('../../types/api.js').FolderSettings} */
 function settingsOf({ settings, finder }) {
   return {
-    folders: settings.folders.map((path) => ({ path, exists: finder.folderExists(path) })),
+    folders: foldersOf({ settings, finder }),
     foldersAreDefault: settings.foldersAreDefault,
   };
 }
@@ -22,7 +23,11 @@ export function apiRoutes(dashboard) {
       {
         GET: ({ response }) => sendJson(response, settingsOf(dashboard)),
         async POST({ body, response }) {
-          if (body.folders !== undefined) await dashboard.settings.setFolders(body.folders);
+          const { settings, finder } = dashboard;
+          const isThere = (folder) => finder.folderExists(folder);
+          if (body.folders !== undefined) await settings.setFolders(body.folders);
+          if (body.addFolder !== undefined) await settings.addFolder(body.addFolder, isThere);
+          if (body.removeFolder !== undefined) await settings.removeFolder(body.removeFolder, isThere);
           sendJson(response, settingsOf(dashboard));
         },
       },

@@ -32,6 +32,21 @@ export function parseNetstat(text) {
   return sockets;
 }
 
+const ESCAPES = { b: '\b', f: '\f', n: '\n', r: '\r', t: '\t' };
+
+/** The name that lsof has written with escapes: all that is not ASCII, byte by byte, and control characters. */
+export function unescapeName(text) {
+  const bytes = [...text.matchAll(/\\x([0-9a-f]{2})|\\(.)|\^([@-_])|([^]+?(?=\\|\^[@-_]|$))/g)].map(
+    ([, hex, letter, control, plain]) => {
+      if (hex) return Buffer.from([parseInt(hex, 16)]);
+      if (letter) return Buffer.from(ESCAPES[letter] ?? letter);
+      if (control) return Buffer.from([control.charCodeAt(0) - 64]);
+      return Buffer.from(plain);
+    },
+  );
+  return Buffer.concat(bytes).toString('utf8');
+}
+
 /**
  * @typedef {{ pid: number, sockets: { address: string, port: number }[], group?: number, parent?: number, name?: string,
  *   uid?: number, folder?: string }} LsofProcess
@@ -54,7 +69,7 @@ export function parseLsof(text) {
     else if (line[0] === 'c') current.name = value;
     else if (line[0] === 'u') current.uid = Number(value);
     else if (line[0] === 'n' && /:\d+$/.test(value)) current.sockets.push(splitAddress(value));
-    else if (line[0] === 'n') current.folder = value;
+    else if (line[0] === 'n') current.folder = unescapeName(value);
   }
   return processes;
 }

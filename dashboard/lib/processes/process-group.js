@@ -110,7 +110,7 @@ export class ProcessGroup {
     );
   }
 
-  /** Fulfilled with whether nothing of the group is left, as soon as that is so or `gaveUp()` says to wait no longer. */
+  /** Fulfilled with whether nothing of the group is left: as soon as that is so, or `gaveUp()` says to wait no longer. */
   async isGone(gaveUp) {
     // A group tells nobody of its end.
     while (await this.#lives()) {

@@ -1,52 +1,40 @@
-import { constants } from 'node:fs';
-import { access, open } from 'node:fs/promises';
-import { basename, join } from 'node:path';
-import { MANIFESTS } from './manifests.js';
+import { isShownWhole, shownText } from '../text.js';
+import { Folder } from './folder.js';
+import * as compiled from './kinds/compiled.js';
+import * as javascript from './kinds/javascript.js';
+import * as python from './kinds/python.js';
+import * as tasks from './kinds/tasks.js';
+import * as web from './kinds/web.js';
+import { manifestsAmong } from './manifests.js';
 
-const LONGEST_MANIFEST = 256 * 1024;
+const LONGEST_VERSION = 60;
+const LONGEST_COMMAND = 1000;
+const READERS = { ...compiled, ...javascript, ...python, ...tasks, ...web };
 
-async function readStart(path) {
-  // Without waiting: a named pipe that bears a manifest's name must not hold up the scan.
-  const file = await open(path, constants.O_RDONLY | constants.O_NONBLOCK);
-  try {
-    const status = await file.stat();
-    if (!status.isFile()) return '';
-    const buffer = Buffer.alloc(Math.min(status.size, LONGEST_MANIFEST));
-    const { bytesRead } = await file.read(buffer, 0, buffer.length, 0);
-    return buffer.toString('utf8', 0, bytesRead);
-  } finally {
-    await file.close();
-  }
+/** What may be shown of what a manifest says: it was written by anybody. */
+function presentable({ name, version, command, ...rest }, folder) {
+  const project = { ...rest, name: shownText(name ?? '') || shownText(folder.name) || 'Project' };
+  if (version !== undefined) project.version = shownText(version, LONGEST_VERSION);
+  if (command !== undefined && isShownWhole(command, LONGEST_COMMAND)) project.command = command;
+  return project;
 }
 
-const exists = (path) =>
-  access(path).then(
-    () => true,
-    () => false,
-  );
-
 /**
- * What the manifests among `names` (the files of folder `path`) say of the project, or null when there is none.
- * The first manifest decides the kind; a later one fills in what the earlier ones leave open.
+ * What the manifests among `names` (files of folder `path`) say of the project, or null when there is none. The first
+ * manifest decides the kind; a later one fills in what the earlier ones leave open. It waits for the disk and takes the
+ * time that the texts take, however malicious.
  */
-export async function readProject(path, names) {
-  const present = MANIFESTS.filter(([file]) => names.has(file));
+export function readProject(path, names) {
+  const present = manifestsAmong(names);
   if (present.length === 0) return null;
-
-  const known = new Set(names);
-  if (names.has('Cargo.toml') && (await exists(join(path, 'src/main.rs')))) known.add('src/main.rs');
-
-  const project = { path, folder: basename(path), manifests: present.map(([file]) => file) };
-  for (const [file, read] of present) {
-    let found;
-    try {
-      found = read(await readStart(join(path, file)), known);
-    } catch {
-      // A manifest that cannot be read still says what kind of project this is.
-      found = read('', known);
-    }
-    for (const [key, value] of Object.entries(found)) project[key] ??= value;
+  const folder = new Folder(path);
+  const files = present.map(({ file }) => file);
+  const project = { path, manifests: files, isWeak: present.every(({ manifest }) => manifest.isWeak ?? false) };
+  for (const { file, manifest } of present) {
+    const found = READERS[manifest.reader](folder, file);
+    project.kind ??= found.kind ?? manifest.kind;
+    for (const [key, value] of Object.entries(found)) if (value !== undefined) project[key] ??= value;
   }
-  project.name ??= project.folder;
-  return project;
+  project.problem = folder.problem;
+  return presentable(project, folder);
 }

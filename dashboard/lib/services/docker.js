@@ -1,6 +1,7 @@
 import { request } from 'node:http';
+import { request as requestSafely } from 'node:https';
 import { access } from 'node:fs/promises';
-import { join } from 'node:path';
+import { nameOf } from './engines.js';
 
 const TIMEOUT = 2000;
 const LONGEST_ANSWER = 16 * 1024 * 1024;
@@ -18,23 +19,14 @@ const EVENTS = [
   'health_status',
 ];
 
-/** Where a container engine's socket may be, the user's own choice first. */
-export function dockerSockets({ home, environment = process.env }) {
-  const runtime = environment.XDG_RUNTIME_DIR;
-  const chosen = /^unix:\/\/(\/.*)$/.exec(environment.DOCKER_HOST ?? '')?.[1];
-  if (chosen) return [chosen];
-  return [
-    '/var/run/docker.sock',
-    join(home, '.docker/run/docker.sock'),
-    join(home, '.orbstack/run/docker.sock'),
-    join(home, '.colima/default/docker.sock'),
-    ...(runtime ? [join(runtime, 'docker.sock'), join(runtime, 'podman/podman.sock')] : []),
-  ];
+/** A request to the engine at `target`, as engines.js describes one. */
+function ask({ isSafe, ...where }, path, onResponse) {
+  return (isSafe ? requestSafely : request)({ ...where, path, headers: { Host: 'localhost' } }, onResponse);
 }
 
-function getJson(socketPath, path) {
+function getJson(target, path) {
   return new Promise((resolve, reject) => {
-    const call = request({ socketPath, path, headers: { Host: 'localhost' } }, (response) => {
+    const call = ask(target, path, (response) => {
       const chunks = [];
       let length = 0;
       response.on('data', (chunk) => {
@@ -62,7 +54,7 @@ function getJson(socketPath, path) {
 function container(entry) {
   const labels = entry.Labels ?? {};
   const ports = (entry.Ports ?? [])
-    .filter((port) => port.PublicPort)
+    .filter((port) => port.PublicPort && port.Type !== 'udp')
     .map((port) => ({ port: port.PublicPort, inside: port.PrivatePort }));
   const unique = new Map(ports.map((mapping) => [`${mapping.port}:${mapping.inside}`, mapping]));
   return {
@@ -78,30 +70,36 @@ function container(entry) {
 }
 
 /**
- * The container engine behind the first socket that is there: { available: false, reason } or { available: true,
- * socket, version, containers }. The reason is null when there is no socket at all.
+ * The container engine at the first of `targets` (as engines.js describes them) that answers: { available: false, reason }
+ * or { available: true, target, socket, version, containers }, where `socket` is how the target is called. The reason is
+ * null when there is none at all.
  * @returns {Promise<any>}
  */
-export async function probeDocker(sockets) {
+export async function probeDocker(targets) {
   let reason = null;
-  for (const socket of sockets) {
+  for (const target of targets) {
+    const { socketPath, problem } = target;
+    const called = nameOf(target);
+    if (problem) reason ??= problem;
     if (
-      !(await access(socket).then(
-        () => true,
-        () => false,
-      ))
+      problem ||
+      (socketPath &&
+        !(await access(socketPath).then(
+          () => true,
+          () => false,
+        )))
     )
       continue;
     try {
       const [version, containers] = await Promise.all([
-        getJson(socket, '/version'),
-        getJson(socket, '/containers/json?all=1'),
+        getJson(target, '/version'),
+        getJson(target, '/containers/json?all=1'),
       ]);
       const sorted = containers.map(container).sort((one, other) => one.name.localeCompare(other.name));
-      return { available: true, socket, version: String(version.Version ?? ''), containers: sorted };
+      return { available: true, target, socket: called, version: String(version.Version ?? ''), containers: sorted };
     } catch (error) {
       const refused = error.code === 'EACCES' || error.code === 'EPERM';
-      reason ??= refused ? `You are not allowed to use ${socket}.` : `${socket}: ${describe(error)}.`;
+      reason ??= refused ? `You are not allowed to use ${called}.` : `${called}: ${describe(error)}.`;
     }
   }
   return { available: false, reason };
@@ -111,18 +109,19 @@ function describe(error) {
   return error.code === 'ECONNREFUSED' ? 'nothing answers there' : error.message;
 }
 
-/** Calls `onEvent` when a container changes and `onEnd` when the engine goes away. Returns a function that ends it. */
-export function followDocker(socketPath, onEvent, onEnd) {
+/**
+ * Calls `onEvent` when a container changes, and `onEnd` when the engine tells no more of that, with whether it ever did.
+ * Returns a function that ends it.
+ */
+export function followDocker(target, onEvent, onEnd) {
   const filters = encodeURIComponent(JSON.stringify({ type: ['container'], event: EVENTS }));
-  const call = request(
-    { socketPath, path: `/events?filters=${filters}`, headers: { Host: 'localhost' } },
-    (response) => {
-      response.on('data', onEvent);
-      response.on('error', () => {});
-      response.on('close', onEnd);
-    },
-  );
-  call.on('error', onEnd);
+  const call = ask(target, `/events?filters=${filters}`, (response) => {
+    const isGranted = response.statusCode === 200;
+    response.on('data', isGranted ? onEvent : () => {});
+    response.on('error', () => {});
+    response.on('close', () => onEnd(isGranted));
+  });
+  call.on('error', () => onEnd(false));
   call.end();
   return () => call.destroy();
 }

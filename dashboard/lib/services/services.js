@@ -1,10 +1,14 @@
 import { EventEmitter } from 'node:events';
-import { dockerSockets, followDocker, probeDocker } from './docker.js';
+import { followDocker, probeDocker } from './docker.js';
+import { engineTargets } from './engines.js';
 import { postgresSockets, postgresVersion, probePostgres } from './postgres.js';
 import { probeRedis } from './redis.js';
 
 const INTERVAL = 30_000;
 const SETTLE = 300;
+const FIRST_PAUSE = 5000;
+const LONGEST_PAUSE = 600_000;
+const ATTEMPTS = 3;
 
 const KINDS = {
   postgres: {
@@ -31,22 +35,25 @@ function loopback(addresses) {
  */
 export class Services extends EventEmitter {
   #ports;
-  #sockets;
+  #targets;
   #postgresFolders;
   #timer = null;
   #soon = null;
   #busy = null;
   #again = false;
   #unfollow = null;
+  #followAgainAt = 0;
+  #pause = FIRST_PAUSE;
+  #asked = new Map(); // What PostgreSQL servers have answered, by port and process.
   #closed = false;
   #lastCandidates = '';
   /** @type {import('../../types/api.js').Services} */
   value = { ready: false, postgres: [], redis: [], docker: { available: false, reason: null, containers: [] } };
 
-  constructor({ home, ports, sockets = dockerSockets({ home }), postgresFolders = undefined }) {
+  constructor({ home, ports, targets = () => engineTargets({ home }), postgresFolders = undefined }) {
     super();
     this.#ports = ports;
-    this.#sockets = sockets;
+    this.#targets = targets;
     this.#postgresFolders = postgresFolders;
   }
 
@@ -93,11 +100,13 @@ export class Services extends EventEmitter {
 
   async #look() {
     this.#lastCandidates = this.#candidatePorts();
-    const docker = await probeDocker(this.#sockets);
+    const docker = await probeDocker(this.#targets());
     const [postgres, redis] = await Promise.all([this.#lookForPostgres(docker), this.#lookForRedis(docker)]);
     if (this.#closed) return;
     this.#followEngine(docker);
-    const value = { ready: true, postgres, redis, docker };
+    // How the engine is reached is nobody else's: there may be keys in it.
+    const value = { ready: true, postgres, redis, docker: { ...docker } };
+    delete value.docker.target;
     if (JSON.stringify(value) === JSON.stringify(this.value)) return;
     this.value = value;
     this.emit('change');
@@ -139,14 +148,25 @@ export class Services extends EventEmitter {
     for (const [port, path] of await postgresSockets(this.#postgresFolders)) {
       if (!listening.has(port)) candidates.push({ port, process: null, target: { path } });
     }
+    const before = this.#asked;
+    this.#asked = new Map();
     const servers = await Promise.all(
       candidates.map(async ({ port, process, target }) => {
-        const answer = await probePostgres(target);
+        const answer = await this.#askPostgres(target, `${port} ${process?.pid}`, before);
         if (!answer) return null;
         return { port, socket: target.path ?? null, tls: answer.tls, version: await postgresVersion(process) };
       }),
     );
     return servers.filter(Boolean).sort((one, other) => one.port - other.port);
+  }
+
+  /** Asks a server once: each question is a failed connection in its log. One that says nothing may be starting yet. */
+  async #askPostgres(target, key, before) {
+    const known = before.get(key) ?? { answer: null, attempts: 0 };
+    const isSettled = known.answer || known.attempts >= ATTEMPTS;
+    const now = isSettled ? known : { answer: await probePostgres(target), attempts: known.attempts + 1 };
+    this.#asked.set(key, now);
+    return now.answer;
   }
 
   async #lookForRedis(docker) {
@@ -160,11 +180,18 @@ export class Services extends EventEmitter {
   }
 
   #followEngine(docker) {
-    if (!docker.available || this.#unfollow) return;
-    const ended = () => {
+    if (!docker.available || this.#unfollow || performance.now() < this.#followAgainAt) return;
+    const ended = (wasGranted) => {
       this.#unfollow = null;
-      this.lookSoon();
+      if (wasGranted) {
+        this.#pause = FIRST_PAUSE;
+        this.lookSoon();
+        return;
+      }
+      // One that will not tell of its events is asked for its containers every half minute, like everything else.
+      this.#followAgainAt = performance.now() + this.#pause;
+      this.#pause = Math.min(2 * this.#pause, LONGEST_PAUSE);
     };
-    this.#unfollow = followDocker(docker.socket, () => this.lookSoon(), ended);
+    this.#unfollow = followDocker(docker.target, () => this.lookSoon(), ended);
   }
 }

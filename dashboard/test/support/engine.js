@@ -27,15 +27,16 @@ export async function listen(t, server, where = { port: 0, host: '127.0.0.1' }) 
 }
 
 /** A container engine as far as the dashboard knows one; `events` tells its listeners of a change. */
-export async function fakeEngine(t, home, { containers = [], status = 200, hang = false } = {}) {
-  const engine = { containers, listeners: new Set(), path: join(home, 'docker.sock') };
+export async function fakeEngine(t, home, { containers = [], status = 200, hang = false, refuseEvents = false } = {}) {
+  const engine = { containers, listeners: new Set(), asked: [], path: join(home, 'docker.sock') };
   const server = createHttpServer((request, response) => {
     if (hang) return;
     const { pathname } = new URL(request.url, 'http://engine');
-    response.writeHead(status, { 'Content-Type': 'application/json' });
+    engine.asked.push(pathname);
+    response.writeHead(refuseEvents && pathname === '/events' ? 403 : status, { 'Content-Type': 'application/json' });
     if (pathname === '/version') response.end('{"Version":"27.1"}');
     else if (pathname === '/containers/json') response.end(JSON.stringify(engine.containers));
-    else if (pathname === '/events') {
+    else if (pathname === '/events' && !refuseEvents) {
       response.flushHeaders();
       engine.listeners.add(response);
     } else response.end('{}');

@@ -24,7 +24,7 @@ TEXTS = (
     "NSDesktopFolderUsageDescription", "NSDocumentsFolderUsageDescription", "NSDownloadsFolderUsageDescription",
 )
 RESOURCES = (
-    "app/server.js", "app/package.json", "app/page/index.html", "app/third-party.txt",
+    "app/server.js", "app/manifest-worker.js", "app/package.json", "app/page/index.html", "app/third-party.txt",
     "menubarTemplate@2x.png", "menubarIdleTemplate@2x.png",
 )
 
