@@ -33,6 +33,8 @@ export interface Overview {
   home: string;
   folders: Folder[];
   foldersAreDefault: boolean;
+  /** Why the settings cannot be read, in a sentence; nothing can be changed meanwhile. */
+  settingsProblem: string | null;
   projects: Project[];
   ports: Port[];
   services: Services;
@@ -42,6 +44,8 @@ export interface Overview {
 export interface Folder {
   path: string;
   exists: boolean;
+  /** True when it holds more folders than are looked through. */
+  isCut: boolean;
 }
 
 export interface Project {
@@ -58,6 +62,7 @@ export interface Project {
   foundCommand: string | null;
   ownCommand: string | null;
   menubar: boolean | null;
+  /** Those that a browser may be answered at. */
   ports: number[];
   running: boolean;
   /** True when the dashboard started what runs. */
@@ -87,6 +92,8 @@ export interface Port {
   user: string | null;
   /** Whether it is the user's own. */
   own: boolean;
+  /** Whether a browser may be answered there. */
+  isForBrowsers: boolean;
   process: { pid: number; name: string; command: string } | null;
   container: { name: string; image: string } | null;
   /** The path of the project it belongs to. */
@@ -152,17 +159,33 @@ export interface About {
   platform: string;
 }
 
+/** `GET api/project/runs`: what is kept of a project's last runs, the latest first. One without an end was cut off. */
+export interface Runs {
+  runs: {
+    startedAt: number;
+    command: string;
+    endedAt?: number;
+    code?: number | null;
+    signal?: string | null;
+    /** Whether the user has stopped it. */
+    stopped?: boolean;
+    hints?: string[];
+  }[];
+}
+
 /** What each address answers to a GET. */
 export interface Answers {
   state: State;
   overview: Overview;
   settings: FolderSettings;
   about: About;
+  'project/runs': Runs;
 }
 
 /** What each address takes in a POST. */
 export interface Bodies {
-  settings: { folders?: string[] | null };
+  settings: { folders?: string[] | null; addFolder?: string; removeFolder?: string };
+  'environment/refresh': Record<string, never>;
   'project/start': { path: string };
   'project/stop': { path: string };
   'project/settings': { path: string; command?: string | null; menubar?: boolean | null };

@@ -76,20 +76,20 @@ export async function saveProject(path, choices, saved) {
   return done;
 }
 
-export async function saveFolders(folders) {
+/** Changes which folders are looked through: `addFolder`, `removeFolder`, or `folders`, null for the usual ones. */
+export async function changeFolders(change) {
   return attempt(async () => {
-    await post('settings', { folders });
+    await post('settings', change);
     await refresh();
   });
 }
 
 export function addFolder(folder) {
-  const folders = store.overview.folders.filter(({ exists }) => exists).map(({ path }) => path);
-  if (folders.includes(folder)) {
+  if (store.overview.folders.some(({ path, exists }) => exists && path === folder)) {
     say('This folder is looked through already.');
     return;
   }
-  saveFolders([...folders, folder]).then((done) => done && say('Looking through the folder.'));
+  changeFolders({ addFolder: folder }).then((done) => done && say('Looking through the folder.'));
 }
 
 /** Lets the user choose a folder: with the shell's panel, or by typing its path in a plain browser. */

@@ -106,12 +106,14 @@ export function runButton(project, { isPrimary = false } = {}) {
       stopping ? 'Stopping…' : 'Stop',
     );
   }
-  if (running || !(project.ownCommand ?? project.foundCommand)) return null;
+  const command = project.ownCommand ?? project.foundCommand;
+  if (!command) return null;
   return h(
     'button',
     {
-      class: isPrimary ? `${look} primary` : look,
+      class: isPrimary && !running ? `${look} primary` : look,
       type: 'button',
+      title: command,
       'data-run': path,
       'aria-label': `Start ${name}`,
       'aria-disabled': waits ? 'true' : null,

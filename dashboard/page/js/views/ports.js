@@ -25,7 +25,11 @@ function line(entry, projects) {
   return h(
     'tr',
     { key: `${port} ${process?.pid ?? entry.user}` },
-    h('td', null, isDashboard ? h('span', { class: 'chip mono plain' }, `:${port}`) : portLink(port)),
+    h(
+      'td',
+      null,
+      isDashboard || !entry.isForBrowsers ? h('span', { class: 'chip mono plain' }, `:${port}`) : portLink(port),
+    ),
     h(
       'td',
       null,

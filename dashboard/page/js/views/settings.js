@@ -1,19 +1,22 @@
 /** @import { View } from '../route.js' */
-import { askForFolder, saveFolders } from '../actions.js';
+import { askForFolder, changeFolders } from '../actions.js';
 import { h } from 'preact';
 import { icon } from '../icons.js';
 import { copyable, pageHead, pathText, section } from '../parts.js';
 import { store } from '../store.js';
 
-function folderLine({ path, exists }, folders, home) {
-  const remove = () =>
-    saveFolders(folders.filter((folder) => folder.path !== path && folder.exists).map((folder) => folder.path));
+const TOO_LARGE =
+  'It holds so many folders that the deeper ones are left out. Choose those with your projects instead.';
+
+function folderLine({ path, exists, isCut }, home) {
+  const remove = () => changeFolders({ removeFolder: path });
   return h(
     'li',
     { key: path },
     icon('folder'),
     h('span', { class: 'mono grow' }, pathText(path, home)),
     !exists && h('span', { class: 'status off' }, 'Not there'),
+    isCut && h('span', { class: 'status wait', title: TOO_LARGE }, 'Not looked through in full'),
     h(
       'button',
       { class: 'button quiet square small', type: 'button', 'aria-label': `Do not look in ${path}`, onClick: remove },
@@ -24,7 +27,7 @@ function folderLine({ path, exists }, folders, home) {
 
 /** @param {View} view */
 export function settingsView({ overview }) {
-  const { folders, foldersAreDefault, home } = overview;
+  const { folders, foldersAreDefault, home, settingsProblem } = overview;
   const { about } = store;
   return [
     pageHead('Settings', 'Kept on this machine, in your home folder.'),
@@ -34,11 +37,12 @@ export function settingsView({ overview }) {
       section(
         'Project folders',
         h('button', { class: 'button small', type: 'button', onClick: askForFolder }, 'Add a folder…'),
+        settingsProblem && h('p', { class: 'status bad', role: 'alert' }, settingsProblem),
         folders.length > 0
           ? h(
               'ul',
               { class: 'panel lines' },
-              folders.map((folder) => folderLine(folder, folders, home)),
+              folders.map((folder) => folderLine(folder, home)),
             )
           : h('p', { class: 'quiet-note' }, 'No folder is looked through. Add one, or go back to the usual ones.'),
         h(
@@ -49,7 +53,7 @@ export function settingsView({ overview }) {
             ? 'These are the usual places.'
             : h(
                 'button',
-                { class: 'link', type: 'button', onClick: () => saveFolders(null) },
+                { class: 'link', type: 'button', onClick: () => changeFolders({ folders: null }) },
                 'Go back to the usual places',
               ),
         ),
