@@ -22,6 +22,7 @@ async function read(t, files) {
   return readProject(folder, await readdir(folder));
 }
 
+/** @type {[string, Record<string, any>, Record<string, any>][]} */
 const CASES = [
   [
     'the lock file names the package manager',

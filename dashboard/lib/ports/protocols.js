@@ -8,7 +8,10 @@ const OTHER_PORTS = new Set([
 const OTHER_PROGRAMS =
   /^(postgres|postmaster|mysqld|mariadbd|mongod|mongos|redis-server|valkey-server|keydb-server|memcached|sshd|pgbouncer|beam\.smp|cupsd|master|smbd|sqlservr)$/;
 
-/** Whether a browser may be answered at a listening port: not where a database or the like is known to be. */
+/**
+ * Whether a browser may be answered at a listening port: not where a database or the like is known to be.
+ * @param {{ port: number, process: any, container?: any }} entry
+ */
 export function isForBrowsers({ port, process, container }) {
   if (process && OTHER_PROGRAMS.test(process.name)) return false;
   const mapping = container?.ports.find((published) => published.port === port);

@@ -29,7 +29,16 @@ function certificates(folder) {
   return { isSafe: true, ca, cert, key };
 }
 
-/** The target that an address like those of DOCKER_HOST means; `tls` is the folder with certificates, if it needs them. */
+/**
+ * @typedef {{ socketPath?: string, host?: string, port?: number, isSafe?: boolean, ca?: string, cert?: string,
+ *   key?: string, problem?: string }} Target
+ */
+
+/**
+ * The target that an address like those of DOCKER_HOST means; `tls` is the folder with certificates, if it
+ * needs them.
+ * @returns {Target}
+ */
 export function targetOf(address, tls = null) {
   const path = /^unix:\/\/(\/.*)$/.exec(address)?.[1];
   if (path) return { socketPath: path };
@@ -67,7 +76,11 @@ function colimaProfiles(home) {
   }
 }
 
-/** Where to ask for a container engine, the user's own choice first and alone. */
+/**
+ * Where to ask for a container engine, the user's own choice first and alone.
+ * @param {{ home: string, environment?: Record<string, string | undefined> }} surroundings
+ * @returns {Target[]}
+ */
 export function engineTargets({ home, environment = process.env }) {
   const host = environment.DOCKER_HOST || environment.CONTAINER_HOST;
   if (host) {

@@ -7,7 +7,8 @@ const serving = {
   'package.json': { name: 'app', scripts: { dev: 'node serve.js' } },
   'serve.js': server('really here'),
 };
-const withPackage = (dependencies, script = { dev: 'node serve.js' }, more = {}) => ({
+/** @returns {Record<string, any>} */
+const withPackage = (dependencies, script = /** @type {any} */ ({ dev: 'node serve.js' }), more = {}) => ({
   'package.json': { name: 'app', version: '0.0.0', scripts: script, devDependencies: dependencies, ...more },
   'serve.js': server('really here'),
 });
@@ -19,6 +20,7 @@ const flask = 'from flask import Flask\n\napp = Flask(__name__)\n';
 const PORT_0 =
   "python3 -c \"import http.server; http.server.HTTPServer(('127.0.0.1', 0), None); print('really here')\"";
 
+/** @type {[string, Record<string, any>, any][]} */
 export const LAYOUTS = [
   // Node.js and its kin
   ['npm', serving, { kind: 'Node.js', name: 'app', command: 'npm run dev', starts: npm }],
