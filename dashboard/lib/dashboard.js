@@ -5,6 +5,7 @@ import { UserEnvironment } from './processes/user-environment.js';
 import { PortWatcher } from './ports/port-watcher.js';
 import { Finder } from './projects/finder.js';
 import { Refusal } from './refusal.js';
+import { Remembered } from './projects/remembered.js';
 import { Runner } from './runs/runner.js';
 import { Services } from './services/services.js';
 import { Settings } from './settings.js';
@@ -22,6 +23,7 @@ const hasFailed = (run) => run.ended && !run.stopping && run.code !== 0;
 export class Dashboard extends EventEmitter {
   #made = new Map();
   #announce = null;
+  #before = [];
   // Grows with every change, and from one start to the next.
   revision = Date.now();
 
@@ -33,6 +35,7 @@ export class Dashboard extends EventEmitter {
     this.dataDirectory = dataDirectory;
     this.settings = new Settings({ dataDirectory, home });
     this.finder = new Finder();
+    this.remembered = new Remembered(join(dataDirectory, 'projects.json'));
     this.ports = new PortWatcher();
     this.services = new Services({ home, ports: this.ports });
     this.environment = new UserEnvironment();
@@ -45,7 +48,10 @@ export class Dashboard extends EventEmitter {
   }
 
   start() {
-    this.finder.setFolders(this.settings.folders);
+    const { folders } = this.settings;
+    this.#before = this.remembered.read(folders);
+    this.finder.once('ready', () => this.#keepProjects());
+    this.finder.setFolders(folders);
     this.ports.start();
     this.services.start();
   }
@@ -55,7 +61,7 @@ export class Dashboard extends EventEmitter {
     this.finder.close();
     this.ports.close();
     this.services.close();
-    await Promise.all([this.runner.close(), this.settings.settled()]);
+    await Promise.all([this.runner.close(), this.settings.settled(), this.#keepProjects()]);
   }
 
   /** The snapshot for the shell, as JSON bytes. */
@@ -68,12 +74,24 @@ export class Dashboard extends EventEmitter {
     return this.#make('overview', overviewOf);
   }
 
+  /** The projects that are found and, until all folders have been looked through, those of the last time. */
+  #found() {
+    const found = this.finder.projects();
+    if (this.finder.ready) return found;
+    const known = new Set(found.map(({ path }) => path));
+    return [...found, ...this.#before.filter(({ path }) => !known.has(path))];
+  }
+
+  async #keepProjects() {
+    if (this.finder.ready) await this.remembered.write(this.settings.folders, this.finder.projects());
+  }
+
   /**
    * The projects that are found, and those that are not any more but were started here and run, or failed: their output
    * and the way to stop them must not go with a manifest.
    */
   projects() {
-    const found = this.finder.projects();
+    const found = this.#found();
     const known = new Set(found.map(({ path }) => path));
     const gone = this.runner.runs().filter((run) => !known.has(run.project.path) && (!run.ended || hasFailed(run)));
     return [...found, ...gone.map(({ project }) => ({ ...project, isGone: true }))];
@@ -81,7 +99,8 @@ export class Dashboard extends EventEmitter {
 
   /** The project at `path`, found or started here. Throws a Refusal when none is known there. */
   project(path) {
-    const found = typeof path === 'string' ? (this.finder.project(path) ?? this.runner.run(path)?.project) : undefined;
+    const isIt = (project) => project.path === path;
+    const found = this.#found().find(isIt) ?? (typeof path === 'string' ? this.runner.run(path)?.project : undefined);
     if (!found) throw new Refusal('unknown', 'There is no such project.');
     return found;
   }

@@ -39,22 +39,29 @@ async function load() {
   const attempts = backOff();
   for (;;) {
     again = false;
+    const toldBefore = told;
     take(await get('overview'));
-    if (shown < told) await attempts.next();
-    else if (!again) return;
+    if (!again && shown >= told) return;
+    // That was an answer from before what it had been told already.
+    if (shown < told && told === toldBefore) await attempts.next();
   }
 }
 
 let loading = null;
 let again = false;
 
-/** Fetches the overview; fulfilled once one is shown that was asked for after this call. */
-export function refresh() {
-  again = true;
+/** Fulfilled once what the server told of is shown. */
+function keepUp() {
   loading ??= load().finally(() => {
     loading = null;
   });
   return loading;
+}
+
+/** Fetches the overview; fulfilled once one is shown that was asked for after this call. */
+export function refresh() {
+  again = true;
+  return keepUp();
 }
 
 /** Makes of a stream's text a call for each revision in it, told whether it is the first. */
@@ -81,7 +88,7 @@ export async function live() {
   let missed = false;
   const catchUp = () => {
     missed = false;
-    refresh().then(attempts.succeeded, (error) => {
+    keepUp().then(attempts.succeeded, (error) => {
       problem = error;
       connection.abort();
     });
@@ -105,6 +112,8 @@ export async function live() {
   };
   for (;;) {
     connection = new AbortController();
+    // The first overview is asked for at once, and not only when the server tells of one.
+    if (!store.overview && !store.problem) catchUp();
     problem = { status: 0, message: 'The Harbrook server does not answer.' };
     try {
       await stream('events', revisionsIn(hear), { patience: SILENCE, signal: connection.signal });
