@@ -53,6 +53,19 @@ def double_click(shell, place):
     shell.desktop.screen.tool("mousemove", x, y, "click", "--repeat", 2, "--delay", 60, 1)
 
 
+def test_a_right_click_on_the_header_asks_for_the_windows_menu(shell):
+    shell.environment["WAYLAND_DEBUG"] = "1"
+    shell.start()
+    shell.server.wait_for_page()
+    wait_until("the window is seen", lambda: area(shell))
+    x, y = on_screen(shell, HEADER)
+    shell.desktop.screen.click(x, y + 300, button=3)
+    shell.desktop.screen.press("Escape")
+    assert "show_window_menu" not in shell.output
+    shell.desktop.screen.click(x, y, button=3)
+    wait_until("the compositor is asked", lambda: "show_window_menu" in shell.output)
+
+
 def test_the_window_has_its_size_and_its_buttons(running):
     assert running.viewport() == (1320, 860)
     window = area(running)

@@ -172,8 +172,7 @@ bool Application::performStandardAction(std::string_view selector) {
     } else if (selector == "performMiniaturize:") {
         if (active) gtk_window_minimize(active);
     } else if (selector == "performZoom:") {
-        for (const auto& window : windows())
-            window->zoom();
+        if (active) gtk_widget_activate_action(GTK_WIDGET(active), "window.toggle-maximized", nullptr);
     } else if (selector == "performClose:") {
         if (active) gtk_window_close(active);
     } else {

@@ -1,6 +1,7 @@
 #include "platform/gtk/web/WebContextMenu.h"
 
 #include "platform/gtk/foundation/GObjectPtr.h"
+#include "platform/gtk/window/TitlebarActions.h"
 
 #include <vector>
 
@@ -29,6 +30,22 @@ bool isSensible(WebKitContextMenuAction action) {
 }
 
 } // namespace
+
+bool showsWindowMenu(GtkWidget* view, WebKitContextMenu* menu, WebKitHitTestResult* hit) {
+    if (webkit_hit_test_result_context_is_editable(hit) || webkit_hit_test_result_context_is_link(hit) ||
+        webkit_hit_test_result_context_is_selection(hit)) {
+        return false;
+    }
+    GdkEvent* event = webkit_context_menu_get_event(menu);
+    auto* window = GTK_WINDOW(gtk_widget_get_root(view));
+    double x = 0;
+    double y = 0;
+    double surfaceX = 0;
+    double surfaceY = 0;
+    if (!event || !window || !gdk_event_get_position(event, &x, &y)) return false;
+    gtk_native_get_surface_transform(GTK_NATIVE(window), &surfaceX, &surfaceY);
+    return y - surfaceY < titlebarStrip && performTitlebarClick(window, TitlebarClick::rightClick, event);
+}
 
 bool keepSensibleItems(WebKitContextMenu* menu) {
     std::vector<GObjectPtr<WebKitContextMenuItem>> kept;

@@ -1,5 +1,6 @@
 #include "platform/gtk/web/WebEngine.h"
 
+#include "platform/gtk/web/PageZoom.h"
 #include "platform/gtk/web/RenderingPolicy.h"
 #include "platform/gtk/web/WebSession.h"
 
@@ -90,6 +91,7 @@ GObjectPtr<WebKitWebView> makeEngineView(const std::vector<UserScript>& scripts)
         WEBKIT_TYPE_WEB_VIEW, "network-session", session.get(), "user-content-manager", manager.get(),
         "settings", settings.get(), nullptr)));
     refuseDrops(GTK_WIDGET(view.get()));
+    letUserZoom(view.get());
     return view;
 }
 

@@ -97,8 +97,10 @@ void WebView::connectSignals() {
     const auto dialog = [](WebKitWebView*, WebKitScriptDialog* question, void* self) noexcept {
         return viewOf(self).runScriptDialog(question);
     };
-    const auto contextMenu = [](WebKitWebView*, WebKitContextMenu* menu, WebKitHitTestResult*,
-                                void*) noexcept -> gboolean { return !keepSensibleItems(menu); };
+    const auto contextMenu = [](WebKitWebView* view, WebKitContextMenu* menu, WebKitHitTestResult* hit,
+                                void*) noexcept -> gboolean {
+        return showsWindowMenu(GTK_WIDGET(view), menu, hit) || !keepSensibleItems(menu);
+    };
     const auto download = [](WebKitNetworkSession*, WebKitDownload* started, void* self) noexcept {
         viewOf(self).handOver(started);
     };

@@ -62,6 +62,7 @@ GObjectPtr<GtkWidget> makeTitlebarButton(WindowButton which) {
     // A click leaves the keyboard to the page.
     gtk_widget_set_focus_on_click(button.get(), FALSE);
     gtk_actionable_set_action_name(GTK_ACTIONABLE(button.get()), kind.action);
+    gtk_widget_set_tooltip_text(button.get(), kind.name);
     gtk_accessible_update_property(
         GTK_ACCESSIBLE(button.get()), GTK_ACCESSIBLE_PROPERTY_LABEL, kind.name, -1);
     gtk_widget_add_css_class(button.get(), "titlebar-button");

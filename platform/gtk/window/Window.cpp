@@ -5,6 +5,7 @@
 #include "platform/gtk/window/EngineKeys.h"
 #include "platform/gtk/window/Sheet.h"
 #include "platform/gtk/window/StyleSheet.h"
+#include "platform/gtk/window/TitlebarActions.h"
 
 #include <cmath>
 #include <string>
@@ -54,6 +55,7 @@ Window::Window(
       size_(contentRect.size) {
     installStyleSheet();
     withholdUnsafeKeys(window_.get());
+    followMiddleClicks(window_.get());
     connectSignals();
 }
 
@@ -158,10 +160,15 @@ void Window::orderOut() {
 }
 
 void Window::zoom() {
-    if (gtk_window_is_maximized(window_.get())) {
-        gtk_window_unmaximize(window_.get());
+    performTitlebarClick(window_.get(), TitlebarClick::doubleClick);
+}
+
+void Window::toggleFullScreen() {
+    if (gtk_window_is_fullscreen(window_.get())) {
+        gtk_window_unfullscreen(window_.get());
     } else {
-        gtk_window_maximize(window_.get());
+        willEnterFullScreen();
+        gtk_window_fullscreen(window_.get());
     }
 }
 

@@ -46,6 +46,8 @@ public:
     /// The first time, the window is shown by the event loop, ahead of everything else that it has to do:
     /// making it visible takes long enough to hold up the steps of a launch.
     void makeKeyAndOrderFront() override;
+    /// What the desktop has a double click on a title bar do, unless the user has chosen otherwise: maximizes
+    /// the window, and back.
     void zoom() override;
     void performWindowDragWithEvent(const Event& event) override;
 
@@ -68,6 +70,8 @@ private:
     void connectSignals();
     void show();
     void contentSizeDidChange(int width, int height);
+    void toggleFullScreen();
+    void willEnterFullScreen();
     void fullScreenDidChange();
     void moveFocusBetweenPageAndTitlebar();
     void saveFrame();
@@ -93,6 +97,8 @@ private:
     std::optional<FrameAutosave> autosave_;
     /// Where the window is while it is not maximized.
     std::optional<Point> ownTopLeft_;
+    /// It has been said that full screen comes, by the window itself or by the desktop.
+    bool entersFullScreen_ = false;
     /// Whether it is to be maximized when it is shown the next time.
     bool showsMaximized_ = false;
     Size size_;

@@ -64,12 +64,20 @@ void Window::connectSignals() {
         static_cast<Window*>(self)->moveFocusBetweenPageAndTitlebar();
         return TRUE;
     };
+    const auto fullScreen = [](GtkWidget*, GVariant*, void* self) noexcept -> gboolean {
+        static_cast<Window*>(self)->toggleFullScreen();
+        return TRUE;
+    };
     GtkEventController* keys = gtk_shortcut_controller_new();
     gtk_event_controller_set_propagation_phase(keys, GTK_PHASE_CAPTURE);
-    gtk_shortcut_controller_add_shortcut(
-        GTK_SHORTCUT_CONTROLLER(keys), gtk_shortcut_new(
-                                           gtk_keyval_trigger_new(GDK_KEY_F6, GdkModifierType{}),
-                                           gtk_callback_action_new(moveFocus, this, nullptr)));
+    const auto add = [&](guint key, GtkShortcutAction* action) {
+        gtk_shortcut_controller_add_shortcut(
+            GTK_SHORTCUT_CONTROLLER(keys),
+            gtk_shortcut_new(gtk_keyval_trigger_new(key, GdkModifierType{}), action));
+    };
+    add(GDK_KEY_F5, gtk_named_action_new("app.reload"));
+    add(GDK_KEY_F6, gtk_callback_action_new(moveFocus, this, nullptr));
+    add(GDK_KEY_F11, gtk_callback_action_new(fullScreen, this, nullptr));
     gtk_widget_add_controller(GTK_WIDGET(window_.get()), keys);
     const auto frameChanged = [](GtkWindow*, GParamSpec*, void* self) noexcept {
         static_cast<Window*>(self)->saveFrameSoon();
@@ -108,12 +116,19 @@ void Window::contentSizeDidChange(int width, int height) {
     liveResizeEnd_ = g_timeout_add(liveResizePauseInMilliseconds, paused, this);
 }
 
+void Window::willEnterFullScreen() {
+    if (std::exchange(entersFullScreen_, true)) return;
+    post(NotificationName::NSWindowWillEnterFullScreenNotification);
+}
+
 void Window::fullScreenDidChange() {
     if (gtk_window_is_fullscreen(window_.get())) {
-        post(NotificationName::NSWindowWillEnterFullScreenNotification);
+        // Where the desktop itself has begun it, this is the first that the window hears of it.
+        willEnterFullScreen();
         styleMask_ |= NSWindowStyleMaskFullScreen;
         titlebar_.setVisible(false);
     } else {
+        entersFullScreen_ = false;
         styleMask_ &= ~static_cast<std::uint32_t>(NSWindowStyleMaskFullScreen);
         titlebar_.setVisible(true);
         post(NotificationName::NSWindowDidExitFullScreenNotification);
