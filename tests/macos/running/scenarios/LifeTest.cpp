@@ -7,6 +7,11 @@ namespace {
 
 class Life : public Scenario {};
 
+/// By itself it only makes what is kept for good.
+TEST_F(Life, first_run) {
+    makeCocoaShell()->run([] {});
+}
+
 TEST_F(Life, without_node) {
     compare([](Shell& shell) { return shell.run([&] { shell.advance(1); }); });
     EXPECT_EQ(said("Node.js was not found").size(), 1U);

@@ -61,6 +61,12 @@ void Machine::run(const std::function<void()>& user) {
 
 void Machine::checkThatAllHasGone() {
     world.scheduler.shutDown();
+    // The program has let go of these. Whoever still holds them is held by the platform, and would be for
+    // ever.
+    for (const auto& object : livingObjects()) {
+        if (object.starts_with("NSWindow#") || object.starts_with("WKWebView#"))
+            ADD_FAILURE() << object << " is kept by something that the platform keeps";
+    }
     forgetSurroundings();
     // What the program makes once and keeps for good is there after its first run.
     static const auto keptForGood = livingObjects();
