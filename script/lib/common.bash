@@ -30,13 +30,24 @@ export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=true
 # Becomes Debian's Python, which the desktop's bindings are made for, with the harness that drives the program.
 become_python() { exec env PYTHONPATH="$root/tests:$root/script/lib" /usr/bin/python3 "$@"; }
 
-# Configures only what was never configured: the build itself notices changed CMake files.
+# Warnings stop those who change the program. Whoever only builds it may have a newer compiler, which knows more of them.
+warnings_as_errors=OFF
+
+warnings_stop() { grep --quiet '^CMAKE_COMPILE_WARNING_AS_ERROR:.*=ON$' "$1/CMakeCache.txt"; }
+
+# Configures only what was never configured: the build itself notices changed CMake files. An upgrade of Homebrew's ICU
+# it would not notice, which takes files away and renames functions; the folder is made anew, then.
 build() {
-    local preset=$1
+    local preset=$1 folder=build/$1 icu
     shift
     cd "$root"
-    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
-    cmake --build "build/$preset" "$@"
+    icu=$(cd "${ICU_ROOT:-/}" && pwd -P)
+    [ "$icu" = "$(cat "$folder/.icu" 2>/dev/null || printf '%s' "$icu")" ] || rm -rf "$folder"
+    if [ ! -f "$folder/build.ninja" ] || { [ $warnings_as_errors = ON ] && ! warnings_stop "$folder"; }; then
+        cmake --preset "$preset" "-DCMAKE_COMPILE_WARNING_AS_ERROR=$warnings_as_errors"
+        printf '%s\n' "$icu" >"$folder/.icu"
+    fi
+    cmake --build "$folder" "$@"
 }
 
 # The packages that the dashboard is tested, checked and laid out with, fetched once for a state of its lock file.

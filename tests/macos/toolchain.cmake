@@ -10,6 +10,7 @@ set(CMAKE_CXX_COMPILER ${tools}/clang++)
 set(CMAKE_OBJCXX_COMPILER ${tools}/clang++)
 set(CMAKE_AR ${tools}/llvm-ar)
 set(CMAKE_RANLIB ${tools}/llvm-ranlib)
+set(CMAKE_STRIP ${tools}/llvm-strip)
 set(CMAKE_INSTALL_NAME_TOOL ${tools}/llvm-install-name-tool)
 
 set(CMAKE_OSX_SYSROOT ${HARBROOK_MACOS_SYSROOT})
@@ -20,9 +21,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_LIBDIR} ${HARBROOK_MACOS_SYSROOT}/usr/local/lib/pkgconfig)
 
-# musl's headers stand in for the system's, and libc++ has to be told.
+# musl's headers stand in for the system's, and libc++ has to be told. Its configuration comes from a folder of
+# its own, so that what is newer than the oldest system is unavailable as it is there.
 string(JOIN " " portable
-  -target apple-macos -B${HARBROOK_MACOS_SYSROOT}/usr/bin -D_GNU_SOURCE -D_LIBCPP_HAS_MUSL_LIBC -D_LIBCPP_PROVIDES_DEFAULT_RUNE_TABLE
+  -target apple-macos -isystem ${HARBROOK_MACOS_SYSROOT}/usr/include/availability -B${HARBROOK_MACOS_SYSROOT}/usr/bin -D_GNU_SOURCE -D_LIBCPP_HAS_MUSL_LIBC -D_LIBCPP_PROVIDES_DEFAULT_RUNE_TABLE
   -Wno-unused-command-line-argument)
 foreach(language C CXX OBJCXX)
   set(CMAKE_${language}_FLAGS_INIT ${portable})

@@ -1,5 +1,7 @@
 #include "tests/support/TemporaryFiles.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>

@@ -7,6 +7,8 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
+ON_MACOS = sys.platform == "darwin"
+PROGRAM = "Harbrook.app/Contents/MacOS/Harbrook" if ON_MACOS else "harbrook"
 
 
 def arguments():
@@ -15,7 +17,7 @@ def arguments():
     parser.add_argument("--into", type=Path, help="folder for the pictures (pictures/ beside the list)")
     parser.add_argument("--only", action="append", default=[], metavar="NAME", help="this picture; can be repeated")
     parser.add_argument("--one", type=Path, metavar="FILE", help="write only the first picture, and there")
-    parser.add_argument("--program", type=Path, default=ROOT / "build" / "release" / "harbrook")
+    parser.add_argument("--program", type=Path, default=ROOT / "build" / "release" / PROGRAM)
     parser.add_argument("--argument", action="append", default=[], help="passed to the program; can be repeated")
     parser.add_argument("--virtual", action="store_true", help="use a virtual display even if there is a real one")
     chosen = parser.parse_args()
@@ -68,7 +70,7 @@ def main():
         say(f"script/shots: {problem}")
         return 2
     chosen.into.mkdir(parents=True, exist_ok=True)
-    if not chosen.display:
+    if not chosen.display and not ON_MACOS:
         folders = {ROOT, chosen.list.parent, chosen.into, chosen.program.parent}
         isolation.enter(*sorted(map(str, folders)))
     interrupts = []

@@ -1,5 +1,8 @@
 """The list of pictures."""
 
+# The Python that comes with macOS knows no `X | None` while it runs.
+from __future__ import annotations
+
 import json
 from dataclasses import dataclass, replace
 from pathlib import Path

@@ -3,26 +3,29 @@
 import os
 import shutil
 import subprocess
+import sys
 import tempfile
 import time
-from contextlib import ExitStack, contextmanager
+from contextlib import ExitStack
 from dataclasses import dataclass
 from pathlib import Path
 
-from harness.desktop import Desktop
 from harness.processes import end
-from harness.screenshots import ScreenshotMode
 
-from . import camera
 from .plan import Step
+
+if sys.platform == "darwin":
+    from .macos import desktop
+else:
+    from .linux import desktop
+
+__all__ = ["Failed", "Session", "desktop"]
 
 START = 60.0  # seconds until the mode is on
 ANSWER = 60.0  # seconds for a request; the shell itself gives up on a page after some 18
 REPEAT = 5.0
 LOOK = 0.5  # how often, while waiting, the shell is looked after
 GIVEN_UP = 18.0  # a page that was ready was so earlier than this
-
-SCREEN = (1600, 1000)  # at scale 1
 
 
 class Failed(Exception):
@@ -35,18 +38,6 @@ class Outcome:
     was_ready: bool
 
 
-@contextmanager
-def desktop(scale, display=None):
-    """A desktop for sessions of that scale: a virtual one, or the display that is named."""
-    made = Desktop(size=[side * scale for side in SCREEN], display=display)
-    try:
-        if not display:
-            camera.invite_shadows(made.screen)
-        yield made
-    finally:
-        made.close()
-
-
 class Session:
     """The shell with a throw-away home; everything is ended and removed by close()."""
 
@@ -57,18 +48,18 @@ class Session:
         try:
             # Gone with the desktop: some of the engine's processes write to it for a moment after the program's end.
             self.home = Path(tempfile.mkdtemp(prefix="home-", dir=desktop.folder))
-            self._furnish(plan.home, appearance)
+            self._furnish(plan.home)
+            appearing, options = desktop.dress(self.home, appearance, scale)
             self._environment = desktop.environment | {
                 "HOME": str(self.home),
                 "PATH": self._path(desktop.environment["PATH"]),
                 "HARBROOK_SHOTS": "1",
                 "HARBROOK_SHOTS_HOME": str(self.home),
-                "GDK_SCALE": str(scale),
-                "GSETTINGS_BACKEND": "memory",
+                **appearing,
             }
             for command in plan.services:
                 self._serve(command)
-            self._start(program, arguments)
+            self._start(program, [*options, *arguments])
             # A view that is asked for before the page is loaded is lost, so the first request asks for none.
             for step in (Step("#/"), *plan.first):
                 self.show(step)
@@ -79,16 +70,9 @@ class Session:
     def close(self):
         self._undo.close()
 
-    def _furnish(self, source, appearance):
+    def _furnish(self, source):
         if source:
             shutil.copytree(source, self.home, dirs_exist_ok=True, ignore=shutil.ignore_patterns("README.md"))
-        settings = self.home / ".config" / "gtk-4.0" / "settings.ini"
-        settings.parent.mkdir(parents=True)
-        dark = int(appearance == "dark")
-        # Nothing moves or blinks in a picture.
-        settings.write_text(
-            f"[Settings]\ngtk-application-prefer-dark-theme={dark}\ngtk-enable-animations=0\ngtk-cursor-blink=0\n"
-        )
         self.data = self.home / ".harbrook"
         self.data.mkdir(exist_ok=True)
 
@@ -110,7 +94,7 @@ class Session:
             raise Failed(f"{command} ended before it was ready")
 
     def _start(self, program, arguments):
-        self._mode = ScreenshotMode(self._desktop.bus, self.data)
+        self._mode = self._desktop.screenshot_mode(self.data)
         self._undo.callback(self._mode.close)
         self._output = self.home / "output.txt"
         with self._output.open("wb") as output:
@@ -159,4 +143,4 @@ class Session:
         raise self._failure(f"{step}: no answer within {ANSWER:.0f} s")
 
     def take(self, path):
-        camera.take(self._desktop.screen, self.window, path)
+        self._desktop.take(self.window, path)

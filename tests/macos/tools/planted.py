@@ -4,7 +4,6 @@ reason. Fails when one passes unnoticed.
 usage: planted.py PUBLISHED_DIRECTORY BUILD_DIRECTORY
 """
 
-import json
 import re
 import shlex
 import shutil
@@ -13,10 +12,12 @@ import sys
 from dataclasses import dataclass
 from pathlib import Path
 
+import analyze
 import facts as fact_table
 import program as mach_o
 import published as published_tables
 import verify_program
+from compiler import Compiler
 from verify_facts import Verifier
 
 ROOT = Path(__file__).resolve().parents[3]
@@ -69,8 +70,21 @@ COMPILED = [
             "@selector(terminateNow:)", "undeclared selector 'terminateNow:'"),
     Mistake("an operation newer than the oldest system", f"{COCOA}/WebView.mm", "underPageBackgroundColor",
             "underPageBackgroundColor", "only available on macOS 12", flags=("-mmacosx-version-min=11.0",)),
+    Mistake("a function of the C++ library newer than the oldest system", "server/Text.cpp",
+            "namespace harbrook {",
+            "#include <charconv>\nnamespace harbrook {\n"
+            "char* newer(char* text, double number) { return std::to_chars(text, text + 31, number).ptr; }",
+            "'to_chars' is unavailable: introduced in macOS 13"),
     Mistake("a cast that says nothing about ownership", f"{COCOA}/View.mm", "(__bridge const void*)view",
             "(const void*)view", "requires a bridged cast"),
+]
+
+# What the analyzer must report.
+ANALYSED = [
+    Mistake("nothing, added to a list", f"{COCOA}/View.mm", "[native addObject:toNSLayoutConstraint(constraint)];",
+            "{ NSLayoutConstraint* none = nil; [native addObject:none]; }", "cannot be nil"),
+    Mistake("a division by zero", f"{COCOA}/Dispatch.mm", "    [timer_ invalidate];",
+            "    [timer_ invalidate];\n    const int zero = 0;\n    static_cast<void>(1 / zero);", "Division by zero"),
 ]
 
 # What shows only in the linked program.
@@ -115,13 +129,24 @@ NAMED = [
 ]
 
 
+# What installing must not leave out: parts of the script that CMake has made of packaging/macos/CMakeLists.txt.
+INSTALLED = [
+    Mistake("libraries that stay read-only", "", "set(BU_CHMOD_BUNDLE_ITEMS ON)", "", "liburiparser.* cannot be written to"),
+    Mistake("libraries left where they are", "", "fixup_bundle(", "message(", "no library came along"),
+    Mistake("a table of symbols that names the build folder", "", " -S ", " --no-strip-all ", "holds the path of the build"),
+    Mistake("code that is changed and not signed", "", "state-oldest-system sign", "state-oldest-system",
+            "Harbrook was not signed after it was changed"),
+    Mistake("a bundle for a system that its libraries do not know", "", "state-oldest-system sign", "sign",
+            "the bundle asks for macOS 12.0; its code needs 13.0"),
+]
+
+
 class Planter:
     def __init__(self, tables, build):
         self.published = published_tables.load(tables)
         self.tree = build / "tree"
         self.folder = build / "planted"
-        commands = json.loads((self.tree / "compile_commands.json").read_text())
-        self.commands = {c["file"]: shlex.split(c["command"]) for c in commands}
+        self.compiler = Compiler(self.tree)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def plant(self, mistake):
@@ -133,22 +158,16 @@ class Planter:
     def compile(self, mistake, *options):
         """The compiler's report on the mistake, for one architecture."""
         planted = self.plant(mistake)
-        source = str(ROOT / (mistake.compiled or mistake.file))
-        command = [a for a in self.commands[source] if Path(a).name != "ccache"]
-        if not mistake.compiled:
-            command[command.index(source)] = str(planted)
-        for flag, value in (("-arch", "x86_64"), ("-o", None), ("-MF", None), ("-MT", None)):
-            for place in [i for i, a in enumerate(command[:-1]) if a == flag and value in (None, command[i + 1])]:
-                command[place:place + 2] = ["", ""]
-        command = [a for a in command if a and a != "-MD"]
-        command[1:1] = [f"-I{self.folder}"]
-        command.remove("-c")
-        return subprocess.run(
-            [*command, *mistake.flags, *options], capture_output=True, text=True, cwd=self.tree)
+        return self.compiler.run(
+            ROOT / (mistake.compiled or mistake.file), *mistake.flags, *options,
+            instead=None if mistake.compiled else planted, before=[f"-I{self.folder}"])
 
     def report_of_compiler(self, mistake):
         result = self.compile(mistake, "-fsyntax-only")
         return result.stderr if result.returncode else ""
+
+    def report_of_analyzer(self, mistake):
+        return self.compile(mistake, *analyze.OPTIONS).stderr
 
     def report_of_program(self, mistake):
         objects = self.folder / "planted.o"
@@ -184,6 +203,19 @@ class Planter:
         (copy / mistake.file).write_text(mistake.planted_text())
         return "\n".join(verify_program.check_core_names(self.published, copy))
 
+    def report_of_installation(self, mistake):
+        script = self.tree / "packaging/macos/cmake_install.cmake"
+        right = script.read_text()
+        if mistake.right not in right:
+            raise SystemExit(f"{mistake.title}: {script} has no {mistake.right!r} any more")
+        script.write_text(right.replace(mistake.right, mistake.wrong))
+        try:
+            result = subprocess.run([ROOT / "tests/macos/rehearse-install", self.tree, self.folder / "installed"],
+                                    capture_output=True, text=True)
+        finally:
+            script.write_text(right)
+        return result.stdout + result.stderr if result.returncode else ""
+
     def is_found(self, mistake, report):
         found = re.search(mistake.report, report)
         shutil.rmtree(self.folder, ignore_errors=True)
@@ -194,8 +226,10 @@ class Planter:
 
 def main():
     planter = Planter(sys.argv[1], Path(sys.argv[2]))
-    stages = [(COMPILED, planter.report_of_compiler), (LINKED, planter.report_of_program),
-              (DECLARED, planter.report_on_facts), (NAMED, planter.report_on_names)]
+    stages = [(COMPILED, planter.report_of_compiler), (ANALYSED, planter.report_of_analyzer),
+              (LINKED, planter.report_of_program),
+              (DECLARED, planter.report_on_facts), (NAMED, planter.report_on_names),
+              (INSTALLED, planter.report_of_installation)]
     results = [planter.is_found(mistake, report(mistake)) for mistakes, report in stages for mistake in mistakes]
     print(f"{sum(results)} of {len(results)} planted mistakes reported")
     return 0 if all(results) else 1

@@ -61,7 +61,7 @@ def read(path, architecture):
     references = output(
         "llvm-objdump-19", "--macho", f"--arch={architecture}", "--section=__DATA,__objc_selrefs", path)
     return Program(
-        libraries=sorted(re.findall(r"LC_LOAD_DYLIB\n.*\n +name (\S+)", commands)),
+        libraries=sorted(re.findall(r"LC_LOAD_DYLIB\n.*\n +name (?:\S*(?=/usr/local/))?(\S+)", commands)),
         oldest_system=re.search(r"minos (\S+)", commands).group(1),
         imported_classes=sorted({n.partition("$_")[2] for n in undefined if "_OBJC_CLASS_$_" in n}),
         imported_constants=sorted({n[1:] for n in undefined if re.match(r"_(NS|WK|kSec)[A-Z]?\w+$", n)}),

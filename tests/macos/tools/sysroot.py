@@ -3,9 +3,11 @@ api-facts.tsv, and text stubs that list exactly what is declared, so that anythi
 to link.
 
 The C library's headers are musl's and the C++ library is LLVM's, both as Debian packages them; of third-party
-libraries it takes Debian's headers and the symbols Debian's libraries export. Nothing linked here ever runs.
+libraries it takes Debian's headers and the symbols Debian's libraries export, and of GoogleTest those of a build
+with LLVM's C++ library. As with Homebrew, ICU is an archive, and uriparser a library that was made for a newer system
+and must not be written to. Nothing linked here ever runs.
 
-usage: sysroot.py DIRECTORY
+usage: sysroot.py DIRECTORY [GOOGLETEST_PREFIX]
 """
 
 import re
@@ -54,7 +56,6 @@ COMPILER_SUPPORT = """
 """.split()
 
 OBJECTIVE_C_LIBRARY = "/usr/lib/libobjc.A.dylib"
-THIRD_PARTY_LIBRARIES = {"libicuuc": "icuuc", "liburiparser": "uriparser"}
 THIRD_PARTY_HEADERS = ["unicode", "uriparser", "nlohmann"]
 
 # Declared in sysroot/objc/objc.h.
@@ -169,13 +170,14 @@ def undeclared_classes(facts):
 
 # Stubs
 
-def exported_symbols(*libraries):
+def exported_symbols(*libraries, dynamic=True):
     found = set()
+    which = ["-D"] if dynamic else ["--extern-only"]
     for library in libraries:
         listing = subprocess.run(
-            ["llvm-nm-19", "-D", "--defined-only", "-j", str(library.resolve())],
+            ["llvm-nm-19", *which, "--defined-only", "-j", str(library.resolve())],
             check=True, capture_output=True, text=True).stdout
-        found |= {line.split("@")[0] for line in listing.split()}
+        found |= {line.split("@")[0] for line in listing.split() if not line.endswith(":")}
     return found
 
 
@@ -215,6 +217,24 @@ def system_stub(facts):
 
 # The directory
 
+def add_availability(include):
+    """The C++ library's configuration as macOS has it: what came after the oldest system is marked."""
+    configuration = (LLVM / "include/c++/v1/__config_site").read_text()
+    switch = "#define _LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS\n"
+    if switch not in configuration:
+        raise SystemExit("the C++ library no longer says that it knows nothing of availability")
+    write(include / "availability/__config_site", configuration.replace(switch, ""))
+
+
+def add_googletest(root, built):
+    prefix = root / "usr/local"
+    for name in ("gtest", "gmock"):
+        shutil.copytree(built / "include" / name, prefix / "include" / name, dirs_exist_ok=True)
+    for name in ("gtest", "gtest_main", "gmock", "gmock_main"):
+        symbols = exported_symbols(built / f"lib/lib{name}.a", dynamic=False)
+        write(prefix / f"lib/lib{name}.tbd", stub(f"/usr/local/lib/lib{name}.dylib", symbols))
+
+
 def write(path, text):
     path.parent.mkdir(parents=True, exist_ok=True)
     if not path.exists() or path.read_text() != text:
@@ -230,6 +250,33 @@ def copy_c_headers(include):
     shutil.copytree(HERE / "sysroot", include, dirs_exist_ok=True)
 
 
+def compile_symbols(root, result, symbols, *options):
+    """Code for both architectures that has these symbols, and nothing behind them."""
+    source = result.with_suffix(".c")
+    text = "".join(f"void {s}(void) {{}}\n" for s in sorted(symbols) if not s.startswith("__bss"))
+    if result.exists() and source.exists() and source.read_text() == text:
+        return False
+    source.parent.mkdir(parents=True, exist_ok=True)
+    result.unlink(missing_ok=True)
+    source.write_text(text)
+    subprocess.run(
+        [LLVM / "bin/clang", "-target", "apple-macos", "-arch", "arm64", "-arch", "x86_64", "-isysroot", root,
+         f"-B{root}/usr/bin", "-fuse-ld=lld", "-w", "-Wno-everything", *options, "-o", result, source], check=True)
+    return True
+
+
+def add_archive(root, path, symbols):
+    compiled = path.with_suffix(".o")
+    if compile_symbols(root, compiled, symbols, "-c", "-fno-builtin", "-mmacosx-version-min=12.0"):
+        subprocess.run([LLVM / "bin/llvm-libtool-darwin", "-static", "-o", path, compiled], check=True)
+
+
+def add_library(root, path, symbols):
+    if compile_symbols(root, path, symbols, "-dynamiclib", "-fno-builtin", "-mmacosx-version-min=13.0",
+                       f"-Wl,-install_name,{path}"):
+        path.chmod(0o444)
+
+
 def add_third_party(root):
     prefix = root / "usr/local"
     (prefix / "include").mkdir(parents=True, exist_ok=True)
@@ -237,9 +284,11 @@ def add_third_party(root):
         link = prefix / "include" / name
         if not link.is_symlink():
             link.symlink_to(Path("/usr/include") / name)
-    for library, short in THIRD_PARTY_LIBRARIES.items():
-        write(prefix / "lib" / f"{library}.tbd",
-              stub(f"/usr/local/lib/{library}.dylib", exported_symbols(DEBIAN_LIBRARIES / f"{library}.so")))
+    add_archive(root, prefix / "lib/libicuuc.a", exported_symbols(DEBIAN_LIBRARIES / "libicuuc.so"))
+    add_library(root, prefix / "lib/liburiparser.1.dylib", exported_symbols(DEBIAN_LIBRARIES / "liburiparser.so"))
+    link = prefix / "lib/liburiparser.dylib"
+    if not link.is_symlink():
+        link.symlink_to("liburiparser.1.dylib")
     shutil.copytree("/usr/share/cmake/nlohmann_json", prefix / "share/cmake/nlohmann_json", dirs_exist_ok=True)
     package = (DEBIAN_LIBRARIES / "pkgconfig/liburiparser.pc").read_text()
     package = re.sub(r"^(prefix|libdir|includedir)=.*$", "", package, flags=re.M)
@@ -262,13 +311,16 @@ def build(root, facts):
     write(libraries / "libc++.tbd", stub(
         "/usr/lib/libc++.1.dylib",
         exported_symbols(LLVM / "lib/libc++.so.1", LLVM / "lib/libc++abi.so.1")))
-    add_third_party(root)
+    add_availability(include)
     # The compiler looks for it by this name to join the two architectures.
     lipo = root / "usr/bin/lipo"
     lipo.parent.mkdir(exist_ok=True)
     if not lipo.is_symlink():
         lipo.symlink_to(LLVM / "bin/llvm-lipo")
+    add_third_party(root)
 
 
 if __name__ == "__main__":
     build(Path(sys.argv[1]).resolve(), fact_table.load())
+    if len(sys.argv) > 2:
+        add_googletest(Path(sys.argv[1]).resolve(), Path(sys.argv[2]).resolve())
