@@ -32,9 +32,12 @@ class Run:
             stderr=subprocess.DEVNULL,
         )
 
+    def wait_for(self, event):
+        wait_until(f"{event} is reported", lambda: event in self.events(), 60)
+        return self.events()[event]
+
     def wait_until_painted(self):
-        wait_until("the page has been painted", lambda: "painted" in self.events(), 60)
-        return self.events()["painted"]
+        return self.wait_for("painted")
 
     def events(self):
         """Milliseconds from the program's exec to each event since."""
