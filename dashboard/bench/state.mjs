@@ -1,8 +1,8 @@
-// How cheap the shell's poll is: `node bench/state.mjs [projects] [idle seconds]`. Makes a home with that many projects,
+// How cheap the shell's poll is: `node bench/state.mjs [projects] [idle seconds] [folders]`. Makes a home with that many projects,
 // runs the dashboard in it, and prints the time of a poll (unchanged and just after a change), the time until all projects
 // are known, and the server's processor time while a shell polls every three seconds. The last figure is read from
 // /proc, so it is printed on Linux only. The machine's load is printed too: what else runs is in every figure.
-import { mkdtemp, readFile, rm, writeFile } from 'node:fs/promises';
+import { mkdir, mkdtemp, readFile, rm, writeFile } from 'node:fs/promises';
 import { Agent, get } from 'node:http';
 import { loadavg, tmpdir } from 'node:os';
 import { join } from 'node:path';
@@ -10,6 +10,7 @@ import { startDashboard, TOKEN, writeTree } from '../test/support/machine.js';
 
 const projects = Number(process.argv[2] ?? 500);
 const idleSeconds = Number(process.argv[3] ?? 60);
+const folders = Number(process.argv[4] ?? 0); // Among them, inside of the projects, as packages and sources are.
 const TICKS_PER_SECOND = 100;
 const POLL_INTERVAL = 3000;
 const SETTLE = 5000; // The start's own work, garbage collection above all, is over by then.
@@ -32,6 +33,15 @@ function project(index) {
     [`projects/group${index % 20}/p${index}/test/b.js`]: '',
     [`projects/group${index % 20}/p${index}/node_modules/c/package.json`]: {},
   };
+}
+
+async function addFolders(index) {
+  const path = join(home, `projects/group${index % 20}/p${index}`);
+  for (let folder = 0; folder < folders / projects; folder += 1) {
+    // Two in three lie where nobody looks.
+    const place = folder % 3 > 0 ? `node_modules/c${folder}` : `src/part${folder % 7}/more${folder}`;
+    await mkdir(join(path, place), { recursive: true });
+  }
 }
 
 function quantiles(times) {
@@ -63,7 +73,10 @@ async function processorSeconds(pid) {
 }
 
 try {
-  for (let index = 0; index < projects; index += 1) await writeTree(home, project(index));
+  for (let index = 0; index < projects; index += 1) {
+    await writeTree(home, project(index));
+    await addFolders(index);
+  }
   const start = performance.now();
   const dashboard = await startDashboard(t, home);
   console.log(`announced after ${(performance.now() - start).toFixed(0)} ms`);
