@@ -126,6 +126,13 @@ export class Dashboard extends EventEmitter {
     await this.ports.look();
   }
 
+  /** Asks the user's shell anew for the environment of projects. */
+  async refreshEnvironment() {
+    this.environment.forget();
+    await this.environment.get();
+    this.#changed();
+  }
+
   #make(name, make) {
     if (!this.#made.has(name)) this.#made.set(name, Buffer.from(JSON.stringify(make(this))));
     return this.#made.get(name);

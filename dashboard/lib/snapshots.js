@@ -129,6 +129,7 @@ export function overviewOf(dashboard) {
     foldersAreDefault: settings.foldersAreDefault,
     home: dashboard.home,
     settingsProblem: settings.problem,
+    environment: { shell: dashboard.environment.shell, problem: dashboard.environment.problem },
     folders: foldersOf(dashboard),
     projects: joined.map(({ project, ports: own, appRunning, running }) => {
       const choices = settings.project(project.path);

@@ -163,4 +163,11 @@ await describePage('the page and the shell', (sample) => {
       0,
     );
   });
+
+  test('the environment of projects is read again when that is asked for', async (t) => {
+    const page = await sample.open(t, '#/settings');
+    await page.getByText('in the environment that /bin/sh makes').waitFor();
+    await page.getByRole('button', { name: 'Read again' }).click();
+    await page.getByText('The environment was read again.').waitFor();
+  });
 });

@@ -35,6 +35,8 @@ export interface Overview {
   foldersAreDefault: boolean;
   /** Why the settings cannot be read, in a sentence; nothing can be changed meanwhile. */
   settingsProblem: string | null;
+  /** Whose environment projects start in, and why it is not used if so. */
+  environment: { shell: string; problem: string | null };
   projects: Project[];
   ports: Port[];
   services: Services;

@@ -73,8 +73,7 @@ export function apiRoutes(dashboard) {
       '/api/environment/refresh',
       {
         async POST({ response }) {
-          dashboard.environment.forget();
-          await dashboard.environment.get();
+          await dashboard.refreshEnvironment();
           const { shell, problem } = dashboard.environment;
           sendJson(response, { shell, problem });
         },

@@ -76,6 +76,15 @@ export async function saveProject(path, choices, saved) {
   return done;
 }
 
+/** Has the user's shell asked anew for the environment of projects. */
+export async function refreshEnvironment() {
+  const done = await attempt(async () => {
+    await post('environment/refresh', {});
+    await refresh();
+  });
+  if (done && !store.overview.environment.problem) say('The environment was read again.');
+}
+
 /** Changes which folders are looked through: `addFolder`, `removeFolder`, or `folders`, null for the usual ones. */
 export async function changeFolders(change) {
   return attempt(async () => {

@@ -1,5 +1,5 @@
 /** @import { View } from '../route.js' */
-import { askForFolder, changeFolders } from '../actions.js';
+import { askForFolder, changeFolders, refreshEnvironment } from '../actions.js';
 import { h } from 'preact';
 import { icon } from '../icons.js';
 import { copyable, pageHead, pathText, section } from '../parts.js';
@@ -27,7 +27,7 @@ function folderLine({ path, exists, isCut }, home) {
 
 /** @param {View} view */
 export function settingsView({ overview }) {
-  const { folders, foldersAreDefault, home, settingsProblem } = overview;
+  const { folders, foldersAreDefault, home, settingsProblem, environment } = overview;
   const { about } = store;
   return [
     pageHead('Settings', 'Kept on this machine, in your home folder.'),
@@ -56,6 +56,16 @@ export function settingsView({ overview }) {
                 { class: 'link', type: 'button', onClick: () => changeFolders({ folders: null }) },
                 'Go back to the usual places',
               ),
+        ),
+      ),
+      section(
+        'Environment',
+        h('button', { class: 'button small', type: 'button', onClick: refreshEnvironment }, 'Read again'),
+        environment.problem && h('p', { class: 'status bad', role: 'alert' }, environment.problem),
+        h(
+          'p',
+          { class: 'hint' },
+          `Projects start as they would in a terminal, in the environment that ${environment.shell} makes. It is read at the first start.`,
         ),
       ),
       section(
