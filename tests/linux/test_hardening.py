@@ -354,9 +354,13 @@ def menu_items(shell, x, y):
     tree = shell.desktop.accessibility()
     shell.desktop.screen.click(*shell.in_window(x, y), button=3)
 
+    seen = [set()]
+
     def items():
         roles = {"menu item", "check menu item"}
-        return {node.name for node in tree.walk(shell.pid) if node.role in roles and node.name}
+        seen.append({node.name for node in tree.walk(shell.pid) if node.role in roles and node.name})
+        # A menu that is being filled is no menu yet.
+        return seen[-1] if seen[-1] == seen[-2] else None
 
     return wait_until("there is a menu", items)
 
