@@ -13,7 +13,7 @@ from harness.waiting import wait_until
 
 REPOSITORY = Path(__file__).resolve().parents[1]
 STAGE = REPOSITORY / "build" / "stage"
-BARE_VIEWER = REPOSITORY / "build" / "release" / "bench" / "bare_viewer"
+BARE_VIEWER = REPOSITORY / "build" / "bench" / "bench" / "bare_viewer"
 SERVER = REPOSITORY / "bench" / "page_server.js"
 
 

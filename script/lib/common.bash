@@ -14,9 +14,23 @@ die() {
 on_macos() { [ "$(uname -s)" = Darwin ]; }
 
 # The usage text of a command is the comment under its first line.
+usage_text() { sed -n '2,/^[^#]/ { s/^# \{0,1\}//p; }' "$0"; }
+
 usage() {
-    sed -n '2,/^[^#]/ { s/^# \{0,1\}//p; }' "$0"
+    usage_text
     exit "${1:-0}"
+}
+
+# need TOOL SET: ends when the tool is missing, which script/setup SET installs.
+need() { command -v "$1" >/dev/null || die "needs $1, which script/setup${2:+ $2} installs"; }
+
+# For commands without arguments: tells how they are used when asked, and refuses everything else.
+take_no_arguments() {
+    case ${1-} in
+    '') ;;
+    --help | -h) usage ;;
+    *) usage 2 >&2 ;;
+    esac
 }
 
 # Homebrew keeps its ICU where no compiler looks by itself, because macOS has an older one of its own.
@@ -41,6 +55,8 @@ build() {
     local preset=$1 folder=build/$1 icu
     shift
     cd "$root"
+    need cmake ''
+    need ninja ''
     icu=$(cd "${ICU_ROOT:-/}" && pwd -P)
     [ "$icu" = "$(cat "$folder/.icu" 2>/dev/null || printf '%s' "$icu")" ] || rm -rf "$folder"
     if [ ! -f "$folder/build.ninja" ] || { [ $warnings_as_errors = ON ] && ! warnings_stop "$folder"; }; then
@@ -56,4 +72,17 @@ dashboard_packages() {
     cmp --silent "$dashboard/package-lock.json" "$dashboard/node_modules/.fetched" && return
     (cd "$dashboard" && npm ci --ignore-scripts --no-audit --no-fund --loglevel=error >&2)
     cp "$dashboard/package-lock.json" "$dashboard/node_modules/.fetched"
+}
+
+# In a folder of their own: that of the program keeps its options.
+build_benchmarks() {
+    cd "$root"
+    [ -f build/bench/build.ninja ] || cmake --preset release -B build/bench -DHARBROOK_BENCH=ON
+    cmake --build build/bench --target bench/all
+}
+
+# Where the tests of the program find it, with nothing left of an earlier one.
+install_program() {
+    rm -rf "$root/build/stage"
+    cmake --install "$root/build/release" --prefix "$root/build/stage" >/dev/null
 }

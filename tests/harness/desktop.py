@@ -8,6 +8,7 @@ import tempfile
 import uuid
 from pathlib import Path
 
+from . import node
 from .accessibility import Tree
 from .bus import Bus
 from .processes import end, end_marked
@@ -55,7 +56,7 @@ class Desktop:
         runtime.mkdir(mode=0o700)
         self.environment = {
             MARK: self.mark,
-            "PATH": "/usr/local/bin:/usr/bin:/bin",
+            "PATH": node.PATH,
             "LANG": "C.UTF-8",
             "SHELL": "/bin/sh",
             "USER": os.environ.get("USER", "root"),

@@ -9,7 +9,8 @@ from .tray import WATCHER
 from .waiting import wait_until
 from .x11 import Rectangle
 
-XFCONFD = "/usr/lib/x86_64-linux-gnu/xfce4/xfconf/xfconfd"
+# Below the folder that bears the name of the machine's kind.
+XFCONFD = next(map(str, Path("/usr/lib").glob("*/xfce4/xfconf/xfconfd")), "xfconfd")
 
 XFCE_SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
 <channel name="xfce4-panel" version="1.0">

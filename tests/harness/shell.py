@@ -7,6 +7,7 @@ import subprocess
 import uuid
 from pathlib import Path
 
+from . import node
 from .processes import descendants, end_marked, marked
 from .server import PROGRAM, Plan, Switchboard
 from .waiting import PATIENCE, wait_until
@@ -16,6 +17,8 @@ REPOSITORY = Path(__file__).resolve().parents[2]
 
 # `cmake --install` puts the program there; another tree can be named to try it instead.
 STAGE = Path(os.environ.get("HARBROOK_STAGE", REPOSITORY / "build" / "stage"))
+
+BUILD = REPOSITORY / "build" / "release"
 
 # Every process of one shell carries this variable.
 MARK = "HARBROOK_TEST_SHELL"
@@ -46,7 +49,9 @@ class Shell:
                 self.environment[name] = value
         self.switchboard = Switchboard()
         self.programs = []
-        if plan is not None:
+        if plan is None:
+            node.tell_login_shells(self.home)
+        else:
             self.put_interpreter(plan)
 
     def put_interpreter(self, plan):
@@ -212,6 +217,20 @@ class Shell:
 
     def texts(self):
         return self.desktop.accessibility().texts(self.pid)
+
+
+def newer_in_build(build=BUILD, stage=STAGE):
+    """A file that was built after it was installed, or None. An installed file keeps the time of what was built."""
+    pairs = {build / "harbrook": stage / "bin" / "harbrook"}
+    pairs |= {one: stage / "share" / "harbrook" / one.relative_to(build / "resources") for one in built_resources(build)}
+    for built, installed in pairs.items():
+        if built.exists() and (not installed.exists() or built.stat().st_mtime > installed.stat().st_mtime + 1):
+            return built
+    return None
+
+
+def built_resources(build):
+    return [one for one in (build / "resources").rglob("*") if one.is_file() and not one.name.startswith(".")]
 
 
 def _link(source, target):

@@ -1,3 +1,4 @@
+import os
 import re
 from pathlib import Path
 
@@ -6,7 +7,7 @@ import pytest
 from harness.browser import RecordingBrowser
 from harness.desktop import Desktop
 from harness.server import Plan
-from harness.shell import REPOSITORY, STAGE, Shell
+from harness.shell import REPOSITORY, STAGE, Shell, newer_in_build
 from harness.tray import Watcher
 
 FLATPAK_MARK = Path("/.flatpak-info")
@@ -15,6 +16,8 @@ FLATPAK_MARK = Path("/.flatpak-info")
 def pytest_sessionstart():
     if not (STAGE / "bin" / "harbrook").exists():
         pytest.exit(f"no program in {STAGE}; script/test build installs it there", returncode=1)
+    if "HARBROOK_STAGE" not in os.environ and (newer := newer_in_build()):
+        pytest.exit(f"{newer} is newer than what is installed of it; script/test build installs it anew", returncode=1)
     if FLATPAK_MARK.exists():
         pytest.exit(f"{FLATPAK_MARK} makes every program here believe to be inside Flatpak; remove it", returncode=1)
 

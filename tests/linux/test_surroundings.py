@@ -89,7 +89,7 @@ def is_in_sandbox(process, shell):
     return not (root_of(process) / str(shell.home).lstrip("/") / "secret").exists()
 
 
-@pytest.mark.skipif(not sandbox_is_possible(), reason="nothing can be put in a sandbox here, as in most containers")
+@pytest.mark.skipif(not sandbox_is_possible(), reason="this machine allows no sandbox, as most containers")
 def test_the_page_runs_in_the_sandbox(shell):
     (shell.home / "secret").touch()
     shell.start()

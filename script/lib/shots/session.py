@@ -1,6 +1,5 @@
 """One run of the shell: one appearance, one scale, several pictures."""
 
-import os
 import shutil
 import subprocess
 import sys
@@ -77,9 +76,8 @@ class Session:
         self.data.mkdir(exist_ok=True)
 
     def _path(self, usual):
-        """The home's own programs, the usual ones, and Node.js wherever this machine has it."""
-        node = shutil.which("node")
-        return ":".join([str(self.home / ".local" / "bin"), usual, *([os.path.dirname(node)] if node else [])])
+        """The home's own programs, and what the desktop has."""
+        return f"{self.home / '.local' / 'bin'}:{usual}"
 
     def _serve(self, command):
         service = subprocess.Popen(
