@@ -170,4 +170,11 @@ await describePage('the page and the shell', (sample) => {
     await page.getByRole('button', { name: 'Read again' }).click();
     await page.getByText('The environment was read again.').waitFor();
   });
+
+  test('the command stands beside Start, in the list and on the project’s page', async (t) => {
+    const page = await sample.open(t, '#/');
+    await page.locator('li.row', { hasText: 'failing' }).getByText('npm run dev', { exact: true }).waitFor();
+    await go(page, `#/p/${encodeURIComponent(sample.shop)}`);
+    await page.locator('.head').getByText('npm run dev', { exact: true }).waitFor();
+  });
 });

@@ -124,6 +124,12 @@ export function runButton(project, { isPrimary = false } = {}) {
   );
 }
 
+/** The command that Start would run, for whoever is about to press it. */
+export function startCommand({ appRunning, ownCommand, foundCommand }) {
+  const command = ownCommand ?? foundCommand;
+  return !appRunning && command && h('code', { class: 'start-command faint clip', title: command }, command);
+}
+
 /** In words and in colour how the project is doing. */
 export function statusOf({ running, appRunning, run }) {
   if (run?.stopping && !run.ended) return { tone: 'wait', text: 'Stopping' };

@@ -1,7 +1,18 @@
 /** @import { View } from '../route.js' */
 import { askForFolder } from '../actions.js';
 import { h } from 'preact';
-import { empty, glyph, pageHead, portLinks, runButton, section, spinner, status, statusOf } from '../parts.js';
+import {
+  empty,
+  glyph,
+  pageHead,
+  portLinks,
+  runButton,
+  section,
+  spinner,
+  startCommand,
+  status,
+  statusOf,
+} from '../parts.js';
 import { hashOfProject } from '../route.js';
 import { store, update } from '../store.js';
 import { amount, count, folderOf, listed, shortPath } from '../text.js';
@@ -91,6 +102,7 @@ function row(project, home) {
     tone !== 'off' && h('span', { class: `status ${tone}` }, h('span', { class: 'dot', 'aria-hidden': 'true' }), text),
     project.ports.length > 0 && portLinks(project.ports),
     h('span', { class: 'kind' }, project.kind),
+    h('span', { class: 'row-command' }, startCommand(project)),
     h('span', { class: 'row-action' }, runButton(project)),
   );
 }

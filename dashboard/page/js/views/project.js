@@ -11,6 +11,7 @@ import {
   pathText,
   portLink,
   runButton,
+  startCommand,
   section,
   spinner,
   status,
@@ -192,7 +193,7 @@ export function projectView({ overview, route }) {
         h('h1', null, project.name, project.version && [' ', h('span', { class: 'version' }, project.version)]),
         h('div', { class: 'head-line' }, status(project), copyable(path, pathText(path, store.overview.home))),
       ),
-      h('div', { class: 'actions' }, runButton(project, { isPrimary: true })),
+      h('div', { class: 'actions' }, startCommand(project), runButton(project, { isPrimary: true })),
     ),
     notices(project),
     h(
