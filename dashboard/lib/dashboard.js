@@ -12,6 +12,9 @@ import { Settings } from './settings.js';
 import { overviewOf, stateOf } from './snapshots.js';
 
 const ANNOUNCE_DELAY = 80;
+// How long the page may have the processors to itself: from its first overview, and for that to be asked for.
+const HEAD_START = 60;
+const LONGEST_HEAD_START = 1000;
 const LONGEST_ANSWER = 20_000;
 
 const hasFailed = (run) => run.ended && !run.stopping && run.code !== 0;
@@ -23,6 +26,8 @@ const hasFailed = (run) => run.ended && !run.stopping && run.code !== 0;
 export class Dashboard extends EventEmitter {
   #made = new Map();
   #announce = null;
+  #look = null;
+  #hasHeadStart = false;
   #before = [];
   // Grows with every change, and from one start to the next.
   revision = Date.now();
@@ -47,17 +52,30 @@ export class Dashboard extends EventEmitter {
     this.runner.on('change', () => this.ports.lookClosely());
   }
 
+  /**
+   * Begins to look. Where the projects of the last time can be shown meanwhile, it does so only once the page has them,
+   * so that the processors are the page's until then.
+   */
   start() {
-    const { folders } = this.settings;
-    this.#before = this.remembered.read(folders);
+    this.#before = this.remembered.read(this.settings.folders);
     this.finder.once('ready', () => this.#keepProjects());
-    this.finder.setFolders(folders);
-    this.ports.start();
-    this.services.start();
+    this.#hasHeadStart = this.#before.length > 0;
+    this.#lookAfter(this.#hasHeadStart ? LONGEST_HEAD_START : 0);
+  }
+
+  #lookAfter(delay) {
+    clearTimeout(this.#look);
+    this.#look = setTimeout(() => {
+      this.#hasHeadStart = false;
+      this.finder.setFolders(this.settings.folders);
+      this.ports.start();
+      this.services.start();
+    }, delay);
   }
 
   async close() {
     clearTimeout(this.#announce);
+    clearTimeout(this.#look);
     this.finder.close();
     this.ports.close();
     this.services.close();
@@ -71,6 +89,8 @@ export class Dashboard extends EventEmitter {
 
   /** Everything that the page shows, as JSON bytes. */
   get overview() {
+    if (this.#hasHeadStart) this.#lookAfter(HEAD_START);
+    this.#hasHeadStart = false;
     return this.#make('overview', overviewOf);
   }
 

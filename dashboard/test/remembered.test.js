@@ -2,6 +2,7 @@ import assert from 'node:assert/strict';
 import { mkdir, readFile, rm, stat, writeFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { test } from 'node:test';
+import { setTimeout as wait } from 'node:timers/promises';
 import { Dashboard } from '../lib/dashboard.js';
 import { Remembered } from '../lib/projects/remembered.js';
 import { makeHome, startDashboard, writeTree } from './support/machine.js';
@@ -28,6 +29,35 @@ test('the projects of the last time are there at the first request, and mended b
   await scanned;
   assert.deepEqual(names(), ['added', 'kept']);
   await dashboard.close();
+});
+
+test('while there is something to show, the machine is looked at only once the page has it', async (t) => {
+  const home = await makeHome(t);
+  await writeTree(home, { 'src/shop/go.mod': 'module shop' });
+  const dataDirectory = join(home, '.harbrook');
+  const dashboard = () => new Dashboard({ directory: home, dataDirectory, home });
+  const scanned = (one) => new Promise((resolve) => one.finder.once('ready', () => resolve('scanned')));
+  // Without anything from before, nobody needs to ask.
+  const first = dashboard();
+  const found = scanned(first);
+  first.start();
+  await found;
+  await first.close();
+
+  const second = dashboard();
+  const ready = scanned(second);
+  let looked = false;
+  const { setFolders } = second.finder;
+  second.finder.setFolders = (folders) => {
+    looked = true;
+    setFolders.call(second.finder, folders);
+  };
+  second.start();
+  await wait(100);
+  assert.equal(looked, false);
+  assert.ok(second.overview.includes('shop'));
+  assert.equal(await ready, 'scanned');
+  await second.close();
 });
 
 test('what was chosen meanwhile, or is damaged, is not remembered', async (t) => {
