@@ -4,7 +4,7 @@
 // where there is none (at a build of the application) from the copies in vendor/. ESBUILD names the program.
 import { spawnSync } from 'node:child_process';
 import { copyFileSync, existsSync, mkdirSync, readFileSync, readdirSync, rmSync, writeFileSync } from 'node:fs';
-import { basename, delimiter, dirname, join } from 'node:path';
+import { basename, delimiter, dirname, join, resolve } from 'node:path';
 import { argv, env, exit } from 'node:process';
 import { fileURLToPath } from 'node:url';
 
@@ -121,5 +121,5 @@ if (argv[1] && basename(argv[1]) === 'bundle.js') {
     console.error('usage: node tools/bundle.js TARGET [ESBUILD]');
     exit(2);
   }
-  bundle(target, esbuild);
+  bundle(resolve(target), esbuild);
 }
