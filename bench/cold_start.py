@@ -10,8 +10,9 @@ from programs import Bench
 
 
 def measure(bench, runs, fresh_home):
-    """Milliseconds of each event, for each program and run."""
+    """Milliseconds of each event, for each program and run; apart from them, those of the first round."""
     times = {name: [] for name in bench.programs()}
+    first = {}
     for number in range(runs + 1):
         for name, start in bench.programs().items():
             folder = name.replace(" ", "-")
@@ -23,10 +24,12 @@ def measure(bench, runs, fresh_home):
             # The first round fills the machine's caches, and a warm home.
             if number > 0:
                 times[name].append(events)
-    return times
+            else:
+                first[name] = events["painted"]
+    return times, first
 
 
-def report(title, times):
+def report(title, times, first):
     print(f"\n{title} ({len(times['harbrook'])} runs in turn, medians, ms)")
     medians = {name: statistics.median(one["painted"] for one in runs) for name, runs in times.items()}
     for name, runs in times.items():
@@ -36,6 +39,8 @@ def report(title, times):
     events = ["server started", "server ready", "page requested", "painted"]
     line = [f"{one} {statistics.median(run[one] for run in times['harbrook']):.0f}" for one in events]
     print(f"  harbrook: exec 0, {', '.join(line)}")
+    cold = [f"{name} {painted:.0f}" for name, painted in first.items()]
+    print(f"  the first round, apart, with what caches the machine had then: {', '.join(cold)}")
 
 
 def main():
@@ -44,8 +49,9 @@ def main():
     runs = parser.parse_args().runs
     bench = Bench()
     try:
-        report("Cold start, warm home", measure(bench, runs, fresh_home=False))
-        report("Cold start, empty home", measure(bench, runs, fresh_home=True))
+        bench.describe()
+        report("Start, warm home", *measure(bench, runs, fresh_home=False))
+        report("Start, empty home", *measure(bench, runs, fresh_home=True))
     finally:
         bench.close()
 

@@ -17,6 +17,13 @@ BARE_VIEWER = REPOSITORY / "build" / "bench" / "bench" / "bare_viewer"
 SERVER = REPOSITORY / "bench" / "page_server.js"
 
 
+# Less work than it would do by itself, and what it needs to run as root.
+CHROMIUM_FLAGS = (
+    "--no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking "
+    "--disable-component-update --disable-sync"
+).split()
+
+
 class Run:
     """One start of one program, from its exec to the page's second animation frame."""
 
@@ -87,9 +94,7 @@ class Bench:
         return Run(self.desktop, home, [BARE_VIEWER, self.url], self.server_events)
 
     def chromium(self, home):
-        flags = "--no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking "
-        flags += "--disable-component-update --disable-sync"
-        command = ["chromium", *flags.split(), f"--user-data-dir={home}/chromium", f"--app={self.url}"]
+        command = ["chromium", *CHROMIUM_FLAGS, f"--user-data-dir={home}/chromium", f"--app={self.url}"]
         return Run(self.desktop, home, command, self.server_events)
 
     def programs(self):
@@ -98,6 +103,12 @@ class Bench:
         if shutil.which("chromium"):
             found["chromium --app"] = self.chromium
         return found
+
+    def describe(self):
+        """How those that are measured against the shell are started."""
+        print(f"bare viewer: {BARE_VIEWER.name} {self.url}")
+        if "chromium --app" in self.programs():
+            print(f"chromium: chromium {' '.join(CHROMIUM_FLAGS)} --user-data-dir=... --app={self.url}")
 
     def close(self):
         self.desktop.close()
