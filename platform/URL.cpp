@@ -1,10 +1,7 @@
 #include "platform/URL.h"
 
-#include <uriparser/Uri.h>
-
 #include <algorithm>
 #include <charconv>
-#include <memory>
 
 namespace harbrook {
 
@@ -16,10 +13,6 @@ constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
 bool isAsciiAlphanumeric(unsigned char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-bool isHexDigit(unsigned char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
 }
 
 bool contains(std::string_view set, char c) {
@@ -51,71 +44,76 @@ std::string percentEncodedPath(std::string_view path) {
     return encoded;
 }
 
-/// `text` with the backslashes of a web address in front of its query turned into slashes, which is how every
-/// web engine reads them (WHATWG URL Standard, special schemes): what stands behind one is never a host.
-std::string withSlashesForBackslashes(std::string_view text) {
-    std::string result(text);
-    if (!text.starts_with("http:") && !text.starts_with("https:")) return result;
-    const auto end = std::min(text.find_first_of("?#"), text.size());
-    std::replace(result.begin(), result.begin() + static_cast<std::ptrdiff_t>(end), '\\', '/');
-    return result;
+bool isSchemeCharacter(char c) {
+    return isAsciiAlphanumeric(static_cast<unsigned char>(c)) || contains("+-.", c);
 }
 
-/// `text` with everything percent-encoded that RFC 3986 allows nowhere, or not where it stands.
-std::string withDisallowedCharactersEncoded(std::string_view text) {
-    const auto authority = text.find("://");
-    const auto authorityEnd = authority == std::string_view::npos
-                                  ? 0
-                                  : std::min(text.find_first_of("/?#", authority + 3), text.size());
-    const auto fragment = text.find('#');
-    std::string encoded;
-    encoded.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        const bool isEscape =
-            c == '%' && i + 2 < text.size() && isHexDigit(text[i + 1]) && isHexDigit(text[i + 2]);
-        const bool isBracketOfAddress = (c == '[' || c == ']') && i < authorityEnd;
-        const bool isDelimiter = c == '?' || (c == '#' && i == fragment);
-        if (isPathCharacter(c) || isEscape || isBracketOfAddress || isDelimiter) {
-            encoded += c;
-        } else {
-            appendPercentEncoded(encoded, c);
-        }
-    }
-    return encoded;
+std::optional<std::string> schemeOf(std::string_view text) {
+    const auto scheme = text.substr(0, text.find(':'));
+    if (scheme.size() == text.size() || scheme.empty()) return std::nullopt;
+    const bool beginsWithLetter = isSchemeCharacter(scheme[0]) && !contains("0123456789+-.", scheme[0]);
+    if (!beginsWithLetter || !std::ranges::all_of(scheme, isSchemeCharacter)) return std::nullopt;
+    return std::string(scheme);
 }
 
-std::optional<std::string> textIn(const UriTextRangeA& range) {
-    if (range.first == nullptr || range.first == range.afterLast) return std::nullopt;
-    return std::string(range.first, range.afterLast);
+/// What stands between the two slashes behind the scheme and the path, the query or the fragment. Web engines
+/// read a backslash as a slash: what stands behind one is never a host.
+std::optional<std::string_view> authorityIn(std::string_view behindScheme) {
+    if (!behindScheme.starts_with("//")) return std::nullopt;
+    const auto rest = behindScheme.substr(2);
+    return rest.substr(0, rest.find_first_of("/?#\\"));
 }
 
-std::optional<std::int64_t> numberIn(const UriTextRangeA& range) {
+struct HostAndPort {
+    std::optional<std::string> host;
+    std::optional<std::int64_t> port;
+};
+
+std::optional<std::int64_t> numberIn(std::string_view digits) {
     std::int64_t value = 0;
-    if (range.first == nullptr) return std::nullopt;
-    const auto [end, error] = std::from_chars(range.first, range.afterLast, value);
-    if (error != std::errc() || end != range.afterLast) return std::nullopt;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error != std::errc() || digits.empty()) return std::nullopt;
     return value;
+}
+
+/// Host and port of an authority, or none when it is not made of these.
+std::optional<HostAndPort> partsOf(std::string_view authority) {
+    const auto server = authority.substr(authority.rfind('@') + 1);
+    // The address in brackets has colons of its own.
+    const auto hostEnd =
+        server.starts_with('[') ? server.find(']') + 1 : std::min(server.find(':'), server.size());
+    auto host = server.substr(0, hostEnd);
+    const auto port = server.substr(hostEnd);
+    if (host.starts_with('[')) host = host.substr(1, host.size() - 2);
+    const bool isPort =
+        port.empty() || (port[0] == ':' && port.find_first_not_of("0123456789", 1) == std::string_view::npos);
+    if (!isPort || host.find_first_of("[]") != std::string_view::npos) return std::nullopt;
+    return HostAndPort{
+        host.empty() ? std::nullopt : std::optional(std::string(host)),
+        port.empty() ? std::nullopt : numberIn(port.substr(1))};
 }
 
 } // namespace
 
 std::optional<URL> URL::URLWithString(std::string_view text) {
+    auto url = reported(text);
+    if (!url || !url->scheme_ || !url->isWhole_) return std::nullopt;
+    return url;
+}
+
+std::optional<URL> URL::reported(std::string_view text) {
     if (text.empty()) return std::nullopt;
     URL url;
-    url.absoluteString_ = withDisallowedCharactersEncoded(withSlashesForBackslashes(text));
-
-    UriUriA parts{};
-    const char* first = url.absoluteString_.data();
-    if (uriParseSingleUriExA(&parts, first, first + url.absoluteString_.size(), nullptr) != URI_SUCCESS) {
-        return std::nullopt;
+    url.absoluteString_ = text;
+    url.scheme_ = schemeOf(text);
+    const auto authority = authorityIn(text.substr(url.scheme_ ? url.scheme_->size() + 1 : 0));
+    if (!authority) return url;
+    const auto parts = partsOf(*authority);
+    url.isWhole_ = parts.has_value();
+    if (parts) {
+        url.host_ = parts->host;
+        url.port_ = parts->port;
     }
-    const auto release = [](UriUriA* uri) { uriFreeUriMembersA(uri); };
-    const std::unique_ptr<UriUriA, decltype(release)> owner(&parts, release);
-
-    url.scheme_ = textIn(parts.scheme);
-    url.host_ = textIn(parts.hostText);
-    url.port_ = numberIn(parts.portText);
     return url;
 }
 

@@ -8,13 +8,17 @@
 
 namespace harbrook {
 
-/// A uniform resource locator (RFC 3986), taken apart once and immutable from then on.
-/// A *file* that the shell reads or writes itself is a `std::filesystem::path`, not a URL.
+/// A uniform resource locator: its text exactly as it was given, and what can be told of its parts. Web
+/// engines report addresses in one spelling (WHATWG URL Standard), which is what is taken apart here. A
+/// *file* that the shell reads or writes itself is a `std::filesystem::path`, not a URL.
 class URL {
 public:
-    /// None when `text` is not a URL. Characters that RFC 3986 does not allow but that web engines leave in
-    /// the addresses they report (such as `|` or `[` in a query) are percent-encoded first.
+    /// None when `text` has no scheme, or an authority that is not made of host and port.
     [[nodiscard]] static std::optional<URL> URLWithString(std::string_view text);
+
+    /// An address that a web engine has reported, whatever it looks like: parts that cannot be told are none.
+    /// None when `text` is empty.
+    [[nodiscard]] static std::optional<URL> reported(std::string_view text);
 
     /// The file URL of an absolute path.
     [[nodiscard]] static URL fileURLWithPath(const std::filesystem::path& path);
@@ -44,6 +48,7 @@ private:
     std::optional<std::string> scheme_;
     std::optional<std::string> host_;
     std::optional<std::int64_t> port_;
+    bool isWhole_ = true;
 };
 
 } // namespace harbrook

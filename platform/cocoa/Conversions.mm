@@ -30,11 +30,13 @@ std::string fromNSData(NSData* _Nullable data) {
 }
 
 NSURL* _Nullable toNSURL(const URL& url) {
-    return [NSURL URLWithString:toNSString(url.absoluteString())];
+    // By way of the bytes, because a string may hold what the platform does not allow in an address, and what
+    // the engine has allowed.
+    return [NSURL URLWithDataRepresentation:toNSData(url.absoluteString()) relativeToURL:nil];
 }
 
 std::optional<URL> fromNSURL(NSURL* _Nullable url) {
-    return url ? URL::URLWithString(fromNSString(url.absoluteString)) : std::nullopt;
+    return url ? URL::reported(fromNSString(url.absoluteString)) : std::nullopt;
 }
 
 NSURL* fileURL(const std::filesystem::path& path) {

@@ -52,7 +52,6 @@ DEPENDENCIES = {
     "libpango-1.0-0",
     "libsoup-3.0-0",
     "libstdc++6",
-    "liburiparser1",
     "libwebkitgtk-6.0-4",
     "libx11-6",
 }

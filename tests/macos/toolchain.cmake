@@ -19,7 +19,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(ENV{PKG_CONFIG_LIBDIR} ${HARBROOK_MACOS_SYSROOT}/usr/local/lib/pkgconfig)
 
 # musl's headers stand in for the system's, and libc++ has to be told. Its configuration comes from a folder of
 # its own, so that what is newer than the oldest system is unavailable as it is there.

@@ -12,7 +12,7 @@ protected:
 
     [[nodiscard]] recording::WebView& webView() const { return *platform->webView(); }
     NavigationActionPolicy navigateTo(const char* url) {
-        return webView().simulateNavigation(URL::URLWithString(url));
+        return webView().simulateNavigation(URL::reported(url));
     }
     void loadsFail() {
         webView().loadError = [](const URL&) { return Error{"Could not connect to the server."}; };
@@ -32,7 +32,8 @@ TEST_F(Navigation, within_the_server_stays_in_the_view) {
 TEST_F(Navigation, away_from_the_server_opens_outside_and_is_cancelled) {
     for (const std::string url :
          {"http://localhost:3000/", "http://127.0.0.1:4711/", "https://example.com/a?b=c#d",
-          "mailto:ada@example.com"}) {
+          "mailto:ada@example.com", "https://h/#/#x", "https://h/a|b?c[0]=100%&d={}#e#f",
+          "mailto:a@b.c?subject=[bug]&body=https://c", "http://[not-an-address/x"}) {
         log().clear();
         EXPECT_EQ(navigateTo(url.c_str()), NavigationActionPolicy::cancel);
         EXPECT_THAT(log().lines(), ElementsAre("workspace openURL: " + url));
@@ -53,9 +54,9 @@ TEST_F(Navigation, a_cancelled_navigation_is_followed_by_no_load) {
 TEST_F(Navigation, new_windows_are_never_made_and_web_addresses_open_outside) {
     for (const std::string url :
          {"https://example.com/", "http://localhost:3000/", "http://localhost:4711/#/ports",
-          "mailto:ada@example.com"}) {
+          "mailto:ada@example.com", "https://h/#/#x", "mailto:a@b.c?subject=[bug]&body=https://c"}) {
         log().clear();
-        EXPECT_EQ(webView().simulateNewWindow(URL::URLWithString(url)), nullptr);
+        EXPECT_EQ(webView().simulateNewWindow(URL::reported(url)), nullptr);
         EXPECT_THAT(log().lines(), ElementsAre("workspace openURL: " + url));
     }
 }
@@ -64,7 +65,7 @@ TEST_F(Navigation, new_windows_for_anything_else_do_nothing_at_all) {
     for (const auto* url :
          {"about:blank", "javascript:alert(1)", "data:text/html,hi", "blob:http://x/1", "file:///etc/hosts",
           "custom://x", "/relative"}) {
-        EXPECT_EQ(webView().simulateNewWindow(URL::URLWithString(url)), nullptr);
+        EXPECT_EQ(webView().simulateNewWindow(URL::reported(url)), nullptr);
     }
     EXPECT_EQ(webView().simulateNewWindow(std::nullopt), nullptr);
     EXPECT_THAT(log().lines(), IsEmpty());

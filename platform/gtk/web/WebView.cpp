@@ -172,7 +172,7 @@ gboolean WebView::decideNavigation(WebKitPolicyDecision* decision, WebKitNavigat
     const auto delegate = navigationDelegate_.lock();
     if (delegate && !loads_.isWarmUpDecision(address)) {
         delegate->decidePolicyForNavigationAction(
-            {URL::URLWithString(address)}, [&](NavigationActionPolicy answer) { policy = answer; });
+            {URL::reported(address)}, [&](NavigationActionPolicy answer) { policy = answer; });
     }
     const bool allowed = policy == NavigationActionPolicy::allow;
     loads_.decided(address, webkit_navigation_action_is_redirect(action), allowed);
@@ -188,7 +188,7 @@ gboolean WebView::decideNavigation(WebKitPolicyDecision* decision, WebKitNavigat
 void WebView::requestNewWindow(const std::string& address) {
     if (const auto delegate = uiDelegate_.lock()) {
         // No view of the shell's could be used for it: the engine insists on one made for the request.
-        static_cast<void>(delegate->createWebViewForNavigationAction({URL::URLWithString(address)}));
+        static_cast<void>(delegate->createWebViewForNavigationAction({URL::reported(address)}));
     }
 }
 
@@ -197,7 +197,7 @@ void WebView::handOver(WebKitDownload* download) {
     webkit_download_cancel(download);
     auto* request = webkit_download_get_request(download);
     const char* method = webkit_uri_request_get_http_method(request);
-    const auto url = URL::URLWithString(webkit_uri_request_get_uri(request));
+    const auto url = URL::reported(webkit_uri_request_get_uri(request));
     const bool isWebAddress = url && (url->scheme() == "http" || url->scheme() == "https");
     if (!isWebAddress || (method && std::string_view(method) != "GET")) return;
     if (loads_.isOwnUnshown(webkit_uri_request_get_uri(request))) return;

@@ -56,7 +56,7 @@ COMPILER_SUPPORT = """
 """.split()
 
 OBJECTIVE_C_LIBRARY = "/usr/lib/libobjc.A.dylib"
-THIRD_PARTY_HEADERS = ["unicode", "uriparser", "nlohmann"]
+THIRD_PARTY_HEADERS = ["unicode", "nlohmann"]
 
 # Declared in sysroot/objc/objc.h.
 C_STRUCTURES = {"NSFastEnumerationState"}
@@ -285,15 +285,7 @@ def add_third_party(root):
         if not link.is_symlink():
             link.symlink_to(Path("/usr/include") / name)
     add_archive(root, prefix / "lib/libicuuc.a", exported_symbols(DEBIAN_LIBRARIES / "libicuuc.so"))
-    add_library(root, prefix / "lib/liburiparser.1.dylib", exported_symbols(DEBIAN_LIBRARIES / "liburiparser.so"))
-    link = prefix / "lib/liburiparser.dylib"
-    if not link.is_symlink():
-        link.symlink_to("liburiparser.1.dylib")
     shutil.copytree("/usr/share/cmake/nlohmann_json", prefix / "share/cmake/nlohmann_json", dirs_exist_ok=True)
-    package = (DEBIAN_LIBRARIES / "pkgconfig/liburiparser.pc").read_text()
-    package = re.sub(r"^(prefix|libdir|includedir)=.*$", "", package, flags=re.M)
-    write(prefix / "lib/pkgconfig/liburiparser.pc",
-          f"prefix={prefix}\nlibdir={prefix}/lib\nincludedir={prefix}/include\n{package}")
 
 
 def build(root, facts):
