@@ -48,7 +48,7 @@ public:
     /// Returns at once; `completionHandler` is called once, when the sheet has ended.
     virtual void beginSheetModalForWindow(
         const std::shared_ptr<Window>& window, SheetCompletion completionHandler) = 0;
-    /// What was chosen, after an OK response.
+    /// What was chosen, after an OK response: an absolute path with no slash at its end.
     [[nodiscard]] virtual std::optional<std::filesystem::path> chosenURL() = 0;
 };
 

@@ -77,10 +77,12 @@ public:
     /// Calls `decisionHandler` exactly once, before returning.
     virtual void decidePolicyForNavigationAction(
         const NavigationAction& action, const DecisionHandler& decisionHandler) = 0;
-    /// A load failed before any content arrived. A navigation that the delegate cancelled is not a failed
-    /// load.
+    /// A load failed before any content arrived, whatever the reason: one that was cancelled on its way (by a
+    /// redirect that the delegate refused, say) has failed, too. A navigation that was cancelled before any
+    /// load began is no failed load.
     virtual void didFailProvisionalNavigation(const Error& error) = 0;
-    /// A load failed after content had begun to arrive, or the page's process ended.
+    /// A load failed after content had begun to arrive. Where nothing else brings the page back, the end of
+    /// its process counts as such.
     virtual void didFailNavigation(const Error& error) = 0;
 };
 

@@ -89,24 +89,25 @@ TEST(LoadTracker, a_page_that_stops_its_own_load_has_failed) {
     EXPECT_TRUE(showingPage().reportsFailure(root, Failure::cancelled));
 }
 
-TEST(LoadTracker, a_page_that_offers_a_download_stays) {
+TEST(LoadTracker, a_link_that_turns_out_to_be_no_page_has_failed) {
     auto loads = showingPage();
     loads.started();
-    EXPECT_FALSE(loads.reportsFailure(root + "file", Failure::interrupted));
+    EXPECT_TRUE(loads.reportsFailure(root + "file", Failure::other));
 }
 
 TEST(LoadTracker, an_own_load_that_turns_out_to_be_no_page_has_failed) {
     auto loads = warmingUp();
     beginOwnLoad(loads);
-    EXPECT_TRUE(loads.reportsFailure(root, Failure::interrupted));
+    EXPECT_TRUE(loads.reportsFailure(root, Failure::other));
     EXPECT_TRUE(loads.isOwnUnshown(root));
 }
 
-TEST(LoadTracker, an_own_load_whose_redirect_the_shell_refuses_has_not_failed) {
+TEST(LoadTracker, an_own_load_whose_redirect_the_shell_refuses_has_failed) {
     auto loads = warmingUp();
     beginOwnLoad(loads);
     loads.decided("http://example.com/", true, false);
-    EXPECT_FALSE(loads.reportsFailure(root, Failure::interrupted));
+    EXPECT_TRUE(loads.reportsFailure(root, Failure::other));
+    EXPECT_TRUE(loads.reportsFailure(root, Failure::cancelled));
     EXPECT_FALSE(loads.awaitsOwnLoad());
 }
 

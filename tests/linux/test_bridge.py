@@ -117,6 +117,11 @@ def test_quit_ends_the_program_and_its_server(running):
         ("{k: 'title', v: ''}", "Harbrook"),
         ("{k: 'title'}", "Harbrook"),
         ("{k: 'title', v: 7}", "Harbrook"),
+        # What JSON would make a text of is none.
+        ("{k: 'title', v: new Date()}", "Harbrook"),
+        ("{k: 'title', v: new String('no')}", "Harbrook"),
+        ("{k: 'title', v: ['no']}", "Harbrook"),
+        ("{k: 'title', v: 'yes', w: new Date(), x: [new String('no')], y: {z: null}}", "yes"),
     ],
 )
 def test_the_page_sets_the_title(running, message, title):
@@ -128,7 +133,8 @@ def test_the_page_sets_the_title(running, message, title):
 
 @pytest.mark.parametrize(
     "message",
-    ["null", "7", "true", "[]", "['drag']", "'state'", "'Drag'", "{}", "{k: 7}", "{k: 'quit'}", "{v: 'x'}", "{k: null}"],
+    ["null", "7", "true", "[]", "['drag']", "'state'", "'Drag'", "{}", "{k: 7}", "{k: 'quit'}", "{v: 'x'}", "{k: null}"]
+    + ["new String('quit')", "new Date()", "{k: new String('title'), v: 'no'}", "[{k: 'title', v: 'no'}]"],
 )
 def test_any_other_message_does_nothing(running, message):
     before = running.window().area
@@ -257,6 +263,16 @@ def test_where_there_is_a_portal_it_is_asked(at_portal, make_portal):
     portal.respond(CHOSEN, "file:///srv/a%20b/%C3%A9")
     wait_until("the page hears of it", lambda: picked(at_portal))
     assert picked(at_portal) == [["folder", "/srv/a b/é", "roots"]]
+
+
+@pytest.mark.parametrize("address, path", [("file:///tmp/a/", "/tmp/a"), ("file:///", "/")])
+def test_a_folder_has_no_slash_at_its_end(at_portal, make_portal, address, path):
+    portal = make_portal()
+    at_portal.server.evaluate("post({k: 'pickFolder', v: 'roots'}); true")
+    portal.question()
+    portal.respond(CHOSEN, address)
+    wait_until("the page hears of it", lambda: picked(at_portal))
+    assert picked(at_portal) == [["folder", path, "roots"]]
 
 
 def test_a_choice_cancelled_at_the_portal_is_not_mentioned(at_portal, make_portal):

@@ -1,13 +1,16 @@
 """Where navigations go: what stays in the view, what opens in the default browser, what does nothing."""
 
+import time
+
 import pytest
 
 from harness.browser import RecordingBrowser
 from harness.page import page
 from harness.server import Plan
-from harness.waiting import stays
+from harness.waiting import stays, wait_until
 
-# Longer than the delay after which a failed load is tried again.
+# The delay after which a failed load is tried again, and what is longer.
+RETRY = 1.5
 A_WHILE = 2.2
 
 
@@ -47,6 +50,10 @@ EXTERNAL = [
     ("HTTP://Example.COM/A", "http://example.com/A"),
     ("http://2130706433:PORT/", "http://127.0.0.1:PORT/"),
     ("//example.com/x", "http://example.com/x"),
+    # The browser gets what the engine has, whatever it holds.
+    ("https://example.com/#/#x", None),
+    ("https://example.com/a?b[0]=100%&c=d|e#f#g", None),
+    ("mailto:a@b.example?subject=[bug]&body=https://c", None),
 ]
 
 
@@ -121,27 +128,48 @@ def test_a_form_goes_by_the_same_rule(view, browser):
     assert still_there(view)
 
 
-def test_a_redirect_to_elsewhere_opens_in_the_browser_and_is_no_failed_load(make_shell):
-    # The engine ends the streams of a page that sets out to leave; requests tell that it has stayed.
-    beating = page(head="<script>setInterval(() => fetch('/beat'), 100)</script>")
-    away = {"status": 302, "headers": {"Location": "http://example.com/away"}}
-    shell = make_shell(Plan(answers={"/": {"body": beating}, "/away": away}))
-    browser = RecordingBrowser(shell.home)
-    shell.start()
-    shell.server.wait_for_page()
-    follow(shell, "/away")
+def test_a_redirect_to_elsewhere_opens_in_the_browser_and_is_a_failed_load(view, browser):
+    view.server.answer("/away", status=302, headers={"Location": "http://example.com/away"})
+    follow(view, "/away")
     browser.wait_for("http://example.com/away")
-    stays("the page is not loaded again", lambda: len(shell.server.requests("/")) == 1, A_WHILE)
-    shell.server.wait_for_request("/beat", after=len(shell.server.events))
+    opened = time.monotonic()
+    view.server.wait_for_page(2)
+    assert time.monotonic() - opened > RETRY - 0.3
+    assert view.server.evaluate("[location.pathname, location.hash]") == ["/", ""]
     assert len(browser.opened) == 1
 
 
-def test_a_root_that_redirects_to_elsewhere_is_not_asked_for_again_and_again(make_shell):
+def test_a_root_that_redirects_to_elsewhere_is_asked_for_again(make_shell):
     shell = make_shell(Plan(answers={"/": {"status": 302, "headers": {"Location": "http://example.com/"}}}))
     browser = RecordingBrowser(shell.home)
     shell.start()
-    browser.wait_for("http://example.com/")
-    stays("it is opened once", lambda: len(browser.opened) == 1, A_WHILE)
+    wait_until("it is opened twice", lambda: len(browser.opened) >= 2)
+    shell.server.answer("/", body=page())
+    shell.server.wait_for_page()
+
+
+def test_a_link_to_elsewhere_is_cancelled_before_any_load_and_is_no_failed_load(view, browser):
+    follow(view, "http://example.com/away")
+    browser.wait_for("http://example.com/away")
+    stays("the page is not loaded again", lambda: len(view.server.requests("/")) == 1, A_WHILE)
+    assert still_there(view)
+
+
+@pytest.mark.parametrize("answer", [{"status": 204}, {"headers": {"Content-Type": "application/x-thing"}, "body": "x"}])
+def test_a_link_to_what_is_no_page_is_a_failed_load(view, browser, answer):
+    view.server.answer("/thing", **answer)
+    follow(view, "/thing")
+    view.server.wait_for_page(2)
+    assert view.server.evaluate("location.pathname") == "/"
+
+
+def test_a_page_that_stops_its_load_has_a_failed_load(view):
+    view.server.answer("/slow", body="late", delay=30)
+    follow(view, "/slow")
+    view.server.wait_for_request("/slow")
+    view.server.run("window.stop()")
+    view.server.wait_for_page(2)
+    assert view.server.evaluate("location.pathname") == "/"
 
 
 def test_a_redirect_within_the_server_is_followed(view, browser):

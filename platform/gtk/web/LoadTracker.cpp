@@ -55,15 +55,8 @@ bool LoadTracker::committedBlankInstead(const std::string& address) {
 
 bool LoadTracker::reportsFailure(const std::string& address, Failure failure) const {
     if (warmingUp_ && isBlank(address)) return false;
-    switch (failure) {
-    case Failure::cancelled:
-        return own_ != Own::requested && own_ != Own::allowed;
-    case Failure::interrupted:
-        return own_ == Own::started;
-    case Failure::other:
-        return true;
-    }
-    return true;
+    const bool ownLoadIsNext = own_ == Own::requested || own_ == Own::allowed;
+    return failure != Failure::cancelled || !ownLoadIsNext;
 }
 
 bool LoadTracker::reportsTermination() {

@@ -8,20 +8,16 @@ namespace harbrook::gtk {
 /// three things that the engine does not tell: which document is the blank one that only warms the engine up,
 /// which loads are the shell's own, and whether a page of the shell's was ever shown.
 ///
-/// The rules:
-/// - Nothing that happens to the warm-up is reported.
-/// - A load that gives way to a newer one of the shell's own has not failed: the newer one reports its own
+/// Whatever the engine reports as a failed load is one, as it is on macOS (a refused redirect, a download, a
+/// page that stops its load, a link followed while another is loading), but for two things that do not exist
+/// there:
+/// - nothing that happens to the warm-up is reported;
+/// - a load that gives way to a newer one of the shell's own has not failed: the newer one reports its own
 ///   outcome. Were both reported, then with a server slower than the retry delay every retry would cut off
 ///   the one before, and so cause another, without end.
-/// - Any other cancellation (a page that stops its load, a link followed while another is loading) is a
-///   failure, as it is on macOS.
-/// - A load that ends without a page by somebody's decision (a download, an empty answer) is a failure only
-/// if
-///   it was the shell's own: a page that offers a download stays. A decision of the shell's (a redirect that
-///   it refuses) is never a failure.
 class LoadTracker {
 public:
-    enum class Failure { cancelled, interrupted, other };
+    enum class Failure { cancelled, other };
 
     /// The blank document is being loaded.
     void warmUpBegan() { warmingUp_ = true; }

@@ -9,12 +9,28 @@ namespace harbrook::gtk {
 
 namespace {
 
+/// The value as JSON, with what JSON would make a text, a number or a boolean of (a date, an object around
+/// one of these) as the object that it is. Null when it has no such form.
+GCharPtr jsonOf(JSCValue* value) {
+    constexpr auto source =
+        "(value => JSON.stringify(value, function (key) {"
+        "  const own = this[key];"
+        "  const isNoPlainObject = own instanceof Date || own instanceof String || own instanceof Number"
+        "    || own instanceof Boolean;"
+        "  return isNoPlainObject ? {} : own;"
+        "}))";
+    auto* context = jsc_value_get_context(value);
+    const auto stringify = GObjectPtr<JSCValue>::adopt(jsc_context_evaluate(context, source, -1));
+    const auto text = GObjectPtr<JSCValue>::adopt(
+        jsc_value_function_call(stringify.get(), JSC_TYPE_VALUE, value, G_TYPE_NONE));
+    // A call that fails leaves its exception behind, which would be taken for one of a later call.
+    jsc_context_clear_exception(context);
+    return GCharPtr(jsc_value_is_string(text.get()) ? jsc_value_to_string(text.get()) : nullptr);
+}
+
 std::optional<Value> compositeFromScript(JSCValue* value) {
-    const GCharPtr text(jsc_value_to_json(value, 0));
-    if (text) return valueFromScriptJSON(text.get());
-    // The failed conversion leaves its exception behind, which would be taken for one of a later call.
-    jsc_context_clear_exception(jsc_value_get_context(value));
-    return std::nullopt;
+    const auto text = jsonOf(value);
+    return text ? valueFromScriptJSON(text.get()) : std::nullopt;
 }
 
 } // namespace

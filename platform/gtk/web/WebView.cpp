@@ -19,6 +19,22 @@ WebView& viewOf(void* data) {
     return *static_cast<WebView*>(data);
 }
 
+/// Later, like every answer of a script.
+void answerWithoutValue(WebView::EvaluationHandler handler) {
+    if (!handler) return;
+    const auto answer = [](void* data) noexcept -> gboolean {
+        (*static_cast<WebView::EvaluationHandler*>(data))(std::nullopt);
+        return G_SOURCE_REMOVE;
+    };
+    const auto release = [](void* data) noexcept {
+        const std::unique_ptr<WebView::EvaluationHandler> owner(
+            static_cast<WebView::EvaluationHandler*>(data));
+    };
+    g_idle_add_full(
+        G_PRIORITY_DEFAULT, answer,
+        std::make_unique<WebView::EvaluationHandler>(std::move(handler)).release(), release);
+}
+
 std::string addressOf(WebKitNavigationAction* action) {
     const char* address = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
     return address ? address : "";
@@ -233,6 +249,8 @@ gboolean WebView::runScriptDialog(WebKitScriptDialog* dialog) {
 // Scripts
 
 void WebView::evaluateJavaScript(const std::string& script, EvaluationHandler completionHandler) {
+    // The blank document is nobody's page. A script could give it a place in the history.
+    if (!loads_.hasPage()) return answerWithoutValue(std::move(completionHandler));
     const auto length = static_cast<gssize>(script.size());
     if (!completionHandler) {
         webkit_web_view_evaluate_javascript(

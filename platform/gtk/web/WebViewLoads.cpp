@@ -20,14 +20,8 @@ Error errorFrom(const GError& error) {
 }
 
 LoadTracker::Failure kindOf(const GError& error) {
-    if (g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED)) {
-        return LoadTracker::Failure::cancelled;
-    }
-    if (g_error_matches(
-            &error, WEBKIT_POLICY_ERROR, WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE)) {
-        return LoadTracker::Failure::interrupted;
-    }
-    return LoadTracker::Failure::other;
+    const bool cancelled = g_error_matches(&error, WEBKIT_NETWORK_ERROR, WEBKIT_NETWORK_ERROR_CANCELLED);
+    return cancelled ? LoadTracker::Failure::cancelled : LoadTracker::Failure::other;
 }
 
 } // namespace

@@ -67,7 +67,9 @@ std::optional<PortalResponse> portalResponse(GVariant* arguments) {
     }
     const char* address = nullptr;
     g_variant_get_child(addresses.get(), 0, "&s", &address);
-    const GCharPtr path(g_filename_from_uri(address, nullptr, nullptr));
+    // A file has one path, without a slash at its end.
+    const auto file = GObjectPtr<GFile>::adopt(g_file_new_for_uri(address));
+    const GCharPtr path(g_file_get_path(file.get()));
     return path ? PortalResponse{path.get()} : PortalResponse();
 }
 
