@@ -46,7 +46,9 @@ public:
 /// The shared session. It uses no proxy for loopback addresses.
 class URLSession {
 public:
-    /// Body, response, error. The body is present exactly when the exchange came to its end.
+    /// Body, response, error. Data is data and a response is a response, whatever becomes of the rest: the
+    /// response is there once its head has arrived, and the body when any of it has arrived or it came to its
+    /// end. The error says why there is no more.
     using CompletionHandler =
         std::function<void(std::optional<std::string>, std::optional<URLResponse>, std::optional<Error>)>;
 

@@ -30,12 +30,17 @@ void Exchange::answer(int statusCode, std::string body) {
     complete(std::move(body), URLResponse{statusCode}, std::nullopt);
 }
 
+void Exchange::answerInPart(int statusCode, std::string body) {
+    response_ = URLResponse{statusCode};
+    if (!body.empty()) body_ = std::move(body);
+}
+
 void Exchange::answerWithoutStatus(std::string body) {
     complete(std::move(body), URLResponse{std::nullopt}, std::nullopt);
 }
 
 void Exchange::fail(const std::string& localizedDescription) {
-    complete(std::nullopt, std::nullopt, Error{localizedDescription});
+    complete(body_, response_, Error{localizedDescription});
 }
 
 void Exchange::complete(Body body, std::optional<URLResponse> response, std::optional<Error> error) {

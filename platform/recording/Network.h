@@ -31,6 +31,8 @@ public:
 
     /// An HTTP answer. One that comes after the time-out reaches nobody.
     void answer(int statusCode, std::string body = {});
+    /// The head of an HTTP answer and the beginning of its body; the rest is cut off (`fail`) or never comes.
+    void answerInPart(int statusCode, std::string body = {});
     /// An answer of another protocol than HTTP.
     void answerWithoutStatus(std::string body);
     void fail(const std::string& localizedDescription);
@@ -45,6 +47,8 @@ private:
     URLRequest request_;
     harbrook::URLSession::CompletionHandler handler_;
     bool resumed_ = false;
+    std::optional<URLResponse> response_;
+    Body body_;
 };
 
 class URLSession final : public harbrook::URLSession {

@@ -38,6 +38,8 @@ public:
     [[nodiscard]] const StatusBarButton& shownButton() const { return *button_; }
     /// The menu for the next opening.
     [[nodiscard]] const std::optional<Menu>& menu() const { return menu_; }
+    /// Whether anybody hears of its opening.
+    [[nodiscard]] bool menuHasDelegate() const { return !delegate_.expired(); }
     /// The user opens the menu. What is on the screen stays as it is until the menu is opened again.
     const Menu& simulateOpen();
 

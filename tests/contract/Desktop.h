@@ -22,12 +22,16 @@ struct Program {
     bool runsUntilTerminated = false;
 };
 
+/// What becomes of an answer whose head and body have been sent: it is at its end, or there should be more.
+enum class Ending { whole, cutOff, stalled };
+
 /// What a web server says to a request for one address.
 struct Answer {
     int status = 200;
     std::string body = {};
     /// Seconds from the request to the answer.
     double delay = 0;
+    Ending ending = Ending::whole;
 };
 
 /// One implementation of the seam, and what the suite needs to drive it. Main thread.

@@ -93,6 +93,20 @@ TEST_P(Network, an_answer_within_the_time_is_not_a_timeout) {
     EXPECT_EQ(outcome.body, "slow");
 }
 
+TEST_P(Network, what_has_arrived_of_an_answer_counts_when_the_rest_fails_or_stalls) {
+    for (const auto ending : {Ending::cutOff, Ending::stalled}) {
+        const auto some = get({.body = "a part", .ending = ending}, 0.3);
+        EXPECT_EQ(some.response, URLResponse{200});
+        EXPECT_EQ(some.body, "a part");
+        EXPECT_TRUE(some.error.has_value());
+        const auto none = get({.status = 503, .ending = ending}, 0.3);
+        EXPECT_EQ(none.response, URLResponse{503});
+        EXPECT_EQ(none.body, std::nullopt);
+        EXPECT_TRUE(none.error.has_value());
+        EXPECT_EQ(none.calls, 1);
+    }
+}
+
 TEST_P(Network, nothing_is_sent_before_resume) {
     std::atomic<int> calls = 0;
     const auto task = platform().sharedSession().dataTaskWithRequest(

@@ -97,6 +97,24 @@ TEST_F(APIRequests, an_answer_that_is_not_http_is_not_up) {
     EXPECT_THAT(answers, ElementsAre(false));
 }
 
+TEST_F(APIRequests, a_response_of_200_is_up_whatever_becomes_of_its_body) {
+    serverOn(3000);
+    probe();
+    session().open().at(0)->answerInPart(200, "a part");
+    session().open().at(0)->fail("The network connection was lost.");
+    platform->settle();
+    EXPECT_THAT(answers, ElementsAre(true));
+    probe();
+    session().open().at(0)->answerInPart(200);
+    platform->advance(1.5);
+    EXPECT_THAT(answers, ElementsAre(true, true));
+    probe();
+    session().open().at(0)->answerInPart(500, "a part");
+    session().open().at(0)->fail("The network connection was lost.");
+    platform->settle();
+    EXPECT_THAT(answers, ElementsAre(true, true, false));
+}
+
 TEST_F(APIRequests, an_answer_after_2_seconds_is_too_late) {
     serverOn(3000);
     probe();

@@ -136,6 +136,15 @@ TEST_F(Status, the_http_status_is_not_looked_at) {
     EXPECT_EQ(buttonTitle(), " 3");
 }
 
+TEST_F(Status, the_error_is_not_looked_at_where_there_is_a_body) {
+    launchAnswered(snapshot(0));
+    const auto exchange = refresh();
+    exchange->answerInPart(200, snapshot(2));
+    exchange->fail("The network connection was lost.");
+    platform->settle();
+    EXPECT_EQ(buttonTitle(), " 2");
+}
+
 TEST_F(Status, an_answer_that_is_no_snapshot_counts_as_unreachable) {
     for (const std::string body : {"", "garbage", R"({"error":"bad token"})", "[]"}) {
         launchAnswered(snapshot(1));
@@ -231,7 +240,10 @@ TEST_F(Status, opening_the_menu_refreshes_and_shows_the_menu_as_it_was) {
 
 TEST_F(Status, opening_the_first_empty_menu_does_nothing_harmful) {
     launch();
+    log().clear();
     EXPECT_NO_THROW(statusItem().simulateOpen());
+    EXPECT_FALSE(statusItem().menuHasDelegate());
+    EXPECT_THAT(log().lines(), IsEmpty()) << "nobody hears of it";
 }
 
 TEST_F(Status, an_answer_for_a_delegate_that_is_gone_is_dropped) {

@@ -45,6 +45,7 @@ void HTTPExchange::start(SoupSession* session) {
 }
 
 void HTTPExchange::send(URI uri) {
+    stream_ = {};
     message_ =
         GObjectPtr<SoupMessage>::adopt(soup_message_new_from_uri(request_.httpMethod.c_str(), uri.get()));
     soup_message_add_flags(message_.get(), SOUP_MESSAGE_NO_REDIRECT);
@@ -95,6 +96,7 @@ void HTTPExchange::append(GAsyncResult* result) {
     if (count == 0) return answerIsComplete();
     if (body_.size() + static_cast<std::size_t>(count) > longestBody) {
         g_cancellable_cancel(cancellable_.get());
+        body_.clear();
         return fail("The answer is too long.");
     }
     body_.append(buffer_.data(), static_cast<std::size_t>(count));
@@ -141,7 +143,14 @@ void HTTPExchange::timeOut() {
 }
 
 void HTTPExchange::fail(std::string description) {
-    finish({std::nullopt, std::nullopt, Error{std::move(description)}});
+    Outcome outcome;
+    outcome.error = Error{std::move(description)};
+    // An answer that leads elsewhere is none.
+    if (stream_ && !redirection()) {
+        outcome.response = URLResponse{static_cast<int>(soup_message_get_status(message_.get()))};
+        if (!body_.empty()) outcome.body = std::move(body_);
+    }
+    finish(std::move(outcome));
 }
 
 void HTTPExchange::finish(Outcome outcome) {

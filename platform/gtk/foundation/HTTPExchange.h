@@ -43,6 +43,7 @@ private:
     [[nodiscard]] URI redirection() const;
     void adaptRequestToRedirection();
     void finish(Outcome outcome);
+    /// Delivers what has arrived so far with the reason why there is no more.
     void fail(std::string description);
 
     /// What a callback of the library is handed: it keeps the exchange alive until then.

@@ -50,7 +50,11 @@ private:
     ScriptedServer::Reply reply(const ScriptedServer::Request& request) {
         const std::lock_guard lock(mutex_);
         const Answer& answer = answers_.at(request.target);
-        return {ScriptedServer::answer(answer.status, answer.body), answer.delay};
+        if (answer.ending == Ending::whole)
+            return {ScriptedServer::answer(answer.status, answer.body), answer.delay};
+        auto bytes = ScriptedServer::answer(answer.status, answer.body + "?");
+        bytes.pop_back();
+        return {std::move(bytes), answer.delay, answer.ending == Ending::cutOff};
     }
 
     TemporaryDirectory directory_;

@@ -72,7 +72,9 @@ private:
             const auto found = answers_.find(exchange->request().url.absoluteString());
             if (found == answers_.end() || !seen_.insert(exchange).second) continue;
             platform_.scheduler().addOutsideEvent(found->second.delay, [exchange, answer = found->second] {
-                exchange->answer(answer.status, answer.body);
+                if (answer.ending == Ending::whole) return exchange->answer(answer.status, answer.body);
+                exchange->answerInPart(answer.status, answer.body);
+                if (answer.ending == Ending::cutOff) exchange->fail("The network connection was lost.");
             });
             any = true;
         }
