@@ -40,6 +40,9 @@ public:
 
     virtual void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+    /// Whether this start runs beside an instance that is running in the session, instead of handing over to
+    /// it; to be called before `run`. Where whoever opens an application decides that, it has no effect.
+    virtual void setCreatesNewApplicationInstance(bool flag) = 0;
     /// Runs the event loop until the application terminates.
     virtual void run() = 0;
 

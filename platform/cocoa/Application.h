@@ -13,6 +13,7 @@ class Application final : public harbrook::Application {
 public:
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
+    void setCreatesNewApplicationInstance(bool /*flag*/) override {}
     void run() override;
     void activateIgnoringOtherApps(bool flag) override;
     void setMainMenu(const Menu& menu) override;

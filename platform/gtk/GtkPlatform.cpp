@@ -21,9 +21,9 @@
 
 namespace harbrook::gtk {
 
-GtkPlatform::GtkPlatform(StartedBy startedBy)
-    : application_(startedBy), statusBar_([this](const MenuItem& item, const std::string& activationToken) {
-          application_.sendAction(item, activationToken);
+GtkPlatform::GtkPlatform(Start start)
+    : start_(start), statusBar_([this](const MenuItem& item, const std::string& activationToken) {
+          application().sendAction(item, activationToken);
       }) {}
 
 std::shared_ptr<DispatchSemaphore> GtkPlatform::makeSemaphore(int count) {
@@ -62,12 +62,12 @@ std::shared_ptr<harbrook::WebView> GtkPlatform::makeWebView(
     Rect frame, const WebViewConfiguration& configuration) {
     globalQueue_.async([] { removeEngineLeftovers(g_get_user_runtime_dir()); });
     return gtk::makeWebView(
-        notificationCenter_, frame, configuration, [this] { application_.firstPageDidAppear(); });
+        notificationCenter_, frame, configuration, [this] { application().firstPageDidAppear(); });
 }
 
 std::shared_ptr<harbrook::Window> GtkPlatform::makeWindow(
     Rect contentRect, std::uint32_t styleMask, BackingStore /*backing*/, bool /*defer*/) {
-    return gtk::makeWindow(application_, notificationCenter_, contentRect, styleMask);
+    return gtk::makeWindow(application(), notificationCenter_, contentRect, styleMask);
 }
 
 std::shared_ptr<harbrook::TextField> GtkPlatform::labelWithString(const std::string& text) {
@@ -95,11 +95,11 @@ std::optional<Image> GtkPlatform::imageWithContentsOfURL(const std::filesystem::
 namespace harbrook {
 
 std::shared_ptr<Platform> makePlatform(int argc, char** argv) {
-    const auto startedBy = gtk::answerCommandLine(argc, argv);
+    const auto start = gtk::answerCommandLine(argc, argv);
     gtk::setUpProcess();
     // Workers may still be at their blocks while the process ends, and use the services: they are never
     // destroyed.
-    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(startedBy).release();
+    static gtk::GtkPlatform& platform = *std::make_unique<gtk::GtkPlatform>(start).release();
     return {std::shared_ptr<void>(), &platform};
 }
 

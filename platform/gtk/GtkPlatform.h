@@ -14,6 +14,7 @@
 #include "platform/gtk/status/StatusBar.h"
 #include "platform/gtk/web/RenderingPolicy.h"
 
+#include <optional>
 #include <thread>
 
 namespace harbrook::gtk {
@@ -22,7 +23,7 @@ namespace harbrook::gtk {
 /// context.
 class GtkPlatform final : public Platform {
 public:
-    explicit GtkPlatform(StartedBy startedBy);
+    explicit GtkPlatform(Start start);
 
     bool isMainThread() override { return std::this_thread::get_id() == mainThread_; }
     DispatchQueue& mainQueue() override { return mainQueue_; }
@@ -39,7 +40,7 @@ public:
     std::shared_ptr<harbrook::FileHandle> fileHandleWithNullDevice() override;
     std::uint8_t secureRandomByte() override;
 
-    harbrook::Application& sharedApplication() override { return application_; }
+    harbrook::Application& sharedApplication() override { return application(); }
     harbrook::Workspace& sharedWorkspace() override { return workspace_; }
     harbrook::StatusBar& systemStatusBar() override { return statusBar_; }
     harbrook::NotificationCenter& notificationCenter() override { return notificationCenter_; }
@@ -59,6 +60,10 @@ public:
     std::optional<Image> imageWithContentsOfURL(const std::filesystem::path& path) override;
 
 private:
+    /// Made when it is first asked for.
+    Application& application() { return application_ ? *application_ : application_.emplace(start_); }
+
+    Start start_;
     std::thread::id mainThread_ = std::this_thread::get_id();
     /// Before all that may change the environment.
     ProcessInfo processInfo_;
@@ -71,7 +76,7 @@ private:
     URLSession session_{globalQueue_};
     Workspace workspace_{processInfo_.environment()};
     NotificationCenter notificationCenter_;
-    Application application_;
+    std::optional<Application> application_;
     StatusBar statusBar_;
     DistributedNotificationCenter distributedNotificationCenter_;
 };

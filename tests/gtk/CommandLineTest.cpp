@@ -15,7 +15,7 @@ namespace harbrook::tests {
 namespace {
 
 /// Answers a command line with what would go to standard output going where the test can see it.
-gtk::StartedBy answer(std::vector<std::string> words) {
+gtk::Start answer(std::vector<std::string> words) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
@@ -36,8 +36,9 @@ TEST(CommandLine, that_is_wrong_is_refused) {
 }
 
 TEST(CommandLine, of_an_ordinary_start_is_left_alone) {
-    EXPECT_EQ(answer({"harbrook"}), gtk::StartedBy::user);
-    EXPECT_EQ(answer({"harbrook", "--gapplication-service"}), gtk::StartedBy::bus);
+    EXPECT_EQ(answer({"harbrook"}), (gtk::Start{gtk::StartedBy::user, false}));
+    EXPECT_EQ(answer({"harbrook", "--gapplication-service"}), (gtk::Start{gtk::StartedBy::bus, false}));
+    EXPECT_EQ(answer({"harbrook", "--new-instance"}), (gtk::Start{gtk::StartedBy::user, true}));
 }
 
 TEST(ProcessSetup, opens_standard_streams_that_were_closed) {

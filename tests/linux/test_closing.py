@@ -51,6 +51,34 @@ def test_of_two_starts_at_once_one_stays(shell):
     assert len(shell.switchboard.servers) == 1
 
 
+def test_a_start_as_a_new_instance_runs_beside_with_a_server_of_its_own(running):
+    other = running.start("--new-instance")
+    running.switchboard.server(1).wait_for_page()
+    assert other.poll() is None and running.programs[0].poll() is None
+    first, second = (server.start["environment"] for server in running.switchboard.servers)
+    for environment in (first, second):
+        assert environment["HARBROOK_PORT"] == "47545"
+        assert environment["HARBROOK_PORT_FALLBACK"] == "1"
+    assert first["HARBROOK_TOKEN"] != second["HARBROOK_TOKEN"]
+    # The name is the first one's still.
+    assert running.start().wait(20) == 0
+    assert len(running.switchboard.servers) == 2
+
+
+def test_a_start_in_screenshot_mode_runs_beside_and_takes_no_name(running, bus):
+    own_name = bus.owner("com.brackenforge.harbrook")
+    data = running.folder / "pictures" / ".harbrook"
+    data.mkdir(parents=True)
+    mode = {"HARBROOK_SHOTS": "1", "HARBROOK_SHOTS_HOME": "pictures"}
+    other = running.start(environment=mode)
+    running.switchboard.server(1).wait_for_page()
+    assert other.poll() is None
+    assert bus.owner("com.brackenforge.harbrook") == own_name
+    # A relative home counts from the working directory.
+    assert (data / "logs" / "server.log").exists()
+    assert (data / "shot-window").exists()
+
+
 def test_without_a_session_bus_each_start_is_a_shell_of_its_own(make_desktop, make_shell):
     shell = make_shell(desktop=make_desktop(bus=False))
     for number in range(2):

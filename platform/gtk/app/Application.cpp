@@ -23,13 +23,14 @@ void addOwnIcons() {
 
 } // namespace
 
-Application::Application(StartedBy startedBy) : awaitsMessage_(startedBy == StartedBy::bus) {
+Application::Application(Start start) : awaitsMessage_(start.by == StartedBy::bus) {
     // Window managers match a window with its launcher by this name.
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
     doWithoutUnresponsiveSessionBus();
     application_ = GObjectPtr<GtkApplication>::adopt(
         gtk_application_new(applicationIdentifier, G_APPLICATION_DEFAULT_FLAGS));
+    setCreatesNewApplicationInstance(start.asNewInstance);
 
     // The desktop's end of session then ends this program the normal way.
     g_object_set(application_.get(), "register-session", TRUE, nullptr);
@@ -49,6 +50,11 @@ void Application::setDelegate(std::weak_ptr<ApplicationDelegate> delegate) {
 }
 
 void Application::setActivationPolicy(ActivationPolicy /*policy*/) {}
+
+void Application::setCreatesNewApplicationInstance(bool flag) {
+    g_application_set_flags(
+        G_APPLICATION(application_.get()), flag ? G_APPLICATION_NON_UNIQUE : G_APPLICATION_DEFAULT_FLAGS);
+}
 
 void Application::run() {
     terminationSignals_.emplace(nullptr, [this] { terminate(); });

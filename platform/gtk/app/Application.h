@@ -19,16 +19,18 @@ namespace harbrook::gtk {
 class Window;
 
 /// The application as the desktop knows it: one running instance in the session, known by its identifier.
-/// Starting the program again re-opens the window of the first instance.
+/// Starting the program again re-opens the window of the first instance, unless the new one is to run by
+/// itself: that one takes no name on the bus.
 class Application final : public harbrook::Application {
 public:
     /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
     /// before the process has other threads.
-    explicit Application(StartedBy startedBy);
+    explicit Application(Start start);
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     /// There is one policy: an application with windows, menus and a launcher entry.
     void setActivationPolicy(ActivationPolicy policy) override;
+    void setCreatesNewApplicationInstance(bool flag) override;
     void run() override;
     void activateIgnoringOtherApps(bool flag) override;
     void setMainMenu(const Menu& menu) override;

@@ -22,13 +22,17 @@ using StringArray = std::unique_ptr<char*, FreeWith<g_strfreev>>;
 
 } // namespace
 
-StartedBy answerCommandLine(int argc, char** argv) {
+Start answerCommandLine(int argc, char** argv) {
     gboolean version = FALSE;
+    gboolean newInstance = FALSE;
     gboolean service = FALSE;
     const std::array entries{
         GOptionEntry{
             "version", 0, G_OPTION_FLAG_NONE, G_OPTION_ARG_NONE, &version, "Show the version and exit",
             nullptr},
+        GOptionEntry{
+            "new-instance", 0, G_OPTION_FLAG_NONE, G_OPTION_ARG_NONE, &newInstance,
+            "Run beside what is running, with a server of its own", nullptr},
         // What the service file says, which the session bus starts the program by.
         GOptionEntry{
             "gapplication-service", 0, G_OPTION_FLAG_HIDDEN, G_OPTION_ARG_NONE, &service, nullptr, nullptr},
@@ -53,7 +57,7 @@ StartedBy answerCommandLine(int argc, char** argv) {
         std::exit(EXIT_SUCCESS);
     }
     if (g_strv_length(list) > 1) refuse("it takes no arguments");
-    return service ? StartedBy::bus : StartedBy::user;
+    return {service ? StartedBy::bus : StartedBy::user, newInstance == TRUE};
 }
 
 } // namespace harbrook::gtk
