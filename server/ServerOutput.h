@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace harbrook {
 
@@ -25,6 +26,9 @@ public:
     [[nodiscard]] std::int64_t announcedPort() const {
         return announcedPort_.load(std::memory_order_acquire);
     }
+
+    /// All that was printed and could be decoded, from the first word on. On the handler's queue.
+    [[nodiscard]] std::string text() const { return text_.string(); }
 
 private:
     std::shared_ptr<FileHandle> log_;

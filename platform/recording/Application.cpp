@@ -51,6 +51,11 @@ void Application::setActivationPolicy(ActivationPolicy policy) {
     world_->noteOnMain("application setActivationPolicy: " + std::to_string(static_cast<int>(policy)));
 }
 
+void Application::setCreatesNewApplicationInstance(bool flag) {
+    refuseIf(ran_, "the application is running already");
+    world_->noteOnMain("application setCreatesNewApplicationInstance: " + format(flag));
+}
+
 void Application::run() {
     world_->noteOnMain("application run");
     refuseIf(std::exchange(ran_, true), "the application runs only once");
@@ -62,7 +67,20 @@ void Application::activateIgnoringOtherApps(bool flag) {
     world_->noteOnMain("application activateIgnoringOtherApps: " + format(flag));
 }
 
+void Application::noteRoles(const Menu& menu) {
+    for (const auto& item : menu.items) {
+        if (!item.submenu) continue;
+        noteRoles(*item.submenu);
+        const auto title = inQuotes(item.submenu->title);
+        if (item.submenu->role == MenuRole::windowsMenu)
+            world_->noteOnMain("application setWindowsMenu: " + title);
+        if (item.submenu->role == MenuRole::helpMenu) world_->noteOnMain("application setHelpMenu: " + title);
+    }
+}
+
 void Application::setMainMenu(const Menu& menu) {
+    // A menu takes its role when it is attached, and the bar is installed last.
+    noteRoles(menu);
     world_->noteOnMain("application setMainMenu: " + std::to_string(menu.items.size()) + " menus");
     mainMenu_ = menu;
 }

@@ -29,6 +29,7 @@ public:
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     void setActivationPolicy(ActivationPolicy policy) override;
+    void setCreatesNewApplicationInstance(bool flag) override;
     void run() override;
     void activateIgnoringOtherApps(bool flag) override;
     void setMainMenu(const Menu& menu) override;
@@ -63,6 +64,7 @@ public:
     bool simulateLastWindowClosed();
 
 private:
+    void noteRoles(const Menu& menu);
     void perform(const MenuItem& item);
     [[nodiscard]] std::shared_ptr<ApplicationDelegate> delegate() const;
 

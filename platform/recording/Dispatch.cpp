@@ -5,6 +5,7 @@
 namespace harbrook::recording {
 
 void GlobalQueue::async(Block block) {
+    world_->note("globalQueue async");
     world_->scheduler.addWorker("global " + std::to_string(++count_), std::move(block));
 }
 

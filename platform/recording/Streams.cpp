@@ -76,6 +76,7 @@ std::string Stream::read(bool toEnd) {
 
 void Stream::setReadabilityHandler(
     std::shared_ptr<FileHandle> handle, FileHandle::ReadabilityHandler handler) {
+    world_->note("pipe setReadabilityHandler");
     handle_ = std::move(handle);
     handler_ = std::move(handler);
     handlerMayRun();

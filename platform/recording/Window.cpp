@@ -120,6 +120,7 @@ void Window::zoom() {
 
 void Window::performWindowDragWithEvent(const harbrook::Event& event) {
     note("performWindowDragWithEvent: type " + std::to_string(static_cast<int>(event.type())));
+    dragEvent_ = &event;
 }
 
 std::shared_ptr<harbrook::View> Window::standardWindowButton(WindowButton button) {

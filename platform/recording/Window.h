@@ -54,6 +54,8 @@ public:
     [[nodiscard]] const std::string& title() const { return title_; }
     [[nodiscard]] bool isVisible() const { return visible_; }
     [[nodiscard]] const std::optional<Color>& backgroundColor() const { return backgroundColor_; }
+    /// The event that the last drag began with; only for comparing.
+    [[nodiscard]] const harbrook::Event* dragEvent() const { return dragEvent_; }
     [[nodiscard]] const std::shared_ptr<View>& button(WindowButton which) const;
     [[nodiscard]] const std::shared_ptr<View>& titlebar() const { return titlebar_; }
     [[nodiscard]] const std::shared_ptr<View>& titlebarContainer() const { return container_; }
@@ -90,6 +92,7 @@ private:
     Size minSize_;
     std::string title_;
     std::optional<Color> backgroundColor_;
+    const harbrook::Event* dragEvent_ = nullptr;
     bool visible_ = false;
     bool releasedWhenClosed_ = true;
     bool released_ = false;

@@ -207,5 +207,14 @@ TEST_F(CommandsBeforeThePage, without_a_web_view_the_process_stops) {
     EXPECT_DEATH(delegate->goHome(), "missing");
 }
 
+TEST_F(CommandsBeforeThePage, without_a_window_or_a_web_view_checking_for_updates_stops_the_process) {
+    launch();
+    const auto window = std::exchange(delegate->window, nullptr);
+    EXPECT_DEATH(delegate->checkUpdates(), "missing");
+    delegate->window = window;
+    delegate->webView = nullptr;
+    EXPECT_DEATH(delegate->checkUpdates(), "missing");
+}
+
 } // namespace
 } // namespace harbrook::tests

@@ -35,12 +35,26 @@ TEST_F(Launch, the_entry_point_makes_globals_delegate_and_policy_and_then_runs_t
     EXPECT_TRUE(looped);
     const auto lines = operationsOf({"files", "application"});
     EXPECT_THAT(
-        std::vector(lines.begin(), lines.begin() + 8),
+        std::vector(lines.begin(), lines.begin() + 10),
         ElementsAre(
             "files fileExists: /home/ada/.harbrook", "files fileExists: /home/ada/.ferncastle",
             "files move: /home/ada/.ferncastle to /home/ada/.harbrook", "application init",
             "application setDelegate", "application setActivationPolicy: 0", "application run",
+            "application setWindowsMenu: \"Window\"", "application setHelpMenu: \"Help\"",
             "application setMainMenu: 5 menus"));
+}
+
+TEST_F(Launch, a_start_in_screenshot_mode_runs_by_itself_and_any_other_joins_what_runs) {
+    const auto lineOf = [](recording::Platform& desktop) {
+        return desktop.log().linesOf("application setCreatesNewApplicationInstance");
+    };
+    runShell(platform);
+    EXPECT_THAT(lineOf(*platform), IsEmpty());
+    const auto other = std::make_shared<recording::Platform>();
+    other->processInfo().setVariable("HARBROOK_SHOTS", "1");
+    runShell(other);
+    EXPECT_THAT(lineOf(*other), ElementsAre("application setCreatesNewApplicationInstance: true"));
+    other->shutDown();
 }
 
 TEST_F(Launch, the_delegate_begins_with_empty_fields) {
@@ -65,12 +79,12 @@ TEST_F(Launch, menu_window_status_item_server_poll_timer_and_screenshots_come_in
     EXPECT_THAT(
         operationsOf(
             {"application setMainMenu", "window init", "window makeKey", "statusBar", "session", "bundle",
-             "timer", "files", "distributed"}),
+             "timer", "files", "distributed", "globalQueue"}),
         ElementsAre(
             "application setMainMenu: 5 menus",
             "window init: (0, 0) 1320 x 860 style 32783 backing 2 defer false", "window makeKeyAndOrderFront",
             "statusBar statusItemWithLength: -1", "bundle URLForResource: menubarTemplate@2x.png",
-            "session GET http://localhost:1/api/state", "timer schedule: 3 repeats",
+            "session GET http://localhost:1/api/state", "globalQueue async", "timer schedule: 3 repeats",
             "files writeAtomically: \"4711\" to /home/ada/.harbrook/shot-window",
             "distributedNotifications addObserver: com.brackenforge.harbrook.shot"));
     EXPECT_THAT(platform->scheduler().runnableWorkers(), testing::Contains("global 1"))

@@ -40,6 +40,15 @@ TEST_F(Navigation, away_from_the_server_opens_outside_and_is_cancelled) {
     }
 }
 
+TEST_F(Navigation, an_address_is_opened_first_and_its_navigation_cancelled_then) {
+    delegate->decidePolicyForNavigationAction(
+        {URL::reported("https://example.com/")}, [this](NavigationActionPolicy policy) {
+            EXPECT_EQ(policy, NavigationActionPolicy::cancel);
+            log().note("answered");
+        });
+    EXPECT_THAT(log().lines(), ElementsAre("workspace openURL: https://example.com/", "answered"));
+}
+
 TEST_F(Navigation, the_answer_is_the_same_when_nothing_can_open_the_url) {
     platform->sharedWorkspace().setHasPrograms(false);
     EXPECT_EQ(navigateTo("https://example.com/"), NavigationActionPolicy::cancel);
@@ -82,6 +91,14 @@ TEST_F(Navigation, a_failed_load_is_tried_again_after_one_and_a_half_seconds_fro
     EXPECT_EQ(request.timeoutInterval, 60.0);
     platform->advance(10);
     EXPECT_EQ(loads().size(), 1U) << "the load succeeded";
+}
+
+TEST_F(Navigation, a_retry_goes_to_where_the_server_is_by_then) {
+    webView().simulateFailedProvisionalNavigation("Could not connect to the server.");
+    platform->advance(1.0);
+    globals->setBaseURL(*URL::URLWithString("http://localhost:5000/"));
+    platform->advance(0.5);
+    EXPECT_THAT(loads(), ElementsAre("webView loadRequest: http://localhost:5000/"));
 }
 
 TEST_F(Navigation, a_load_that_fails_after_it_began_is_treated_the_same) {

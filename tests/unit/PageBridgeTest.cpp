@@ -34,6 +34,7 @@ protected:
 TEST_F(PageBridge, a_drag_moves_the_window_while_the_left_button_is_being_pressed) {
     application().setCurrentEvent(EventType::leftMouseDown);
     EXPECT_THAT(after("drag"), ElementsAre("window performWindowDragWithEvent: type 1"));
+    EXPECT_EQ(platform->window()->dragEvent(), application().currentEvent().get()) << "that very event";
 }
 
 TEST_F(PageBridge, a_drag_does_nothing_during_another_event_or_none) {

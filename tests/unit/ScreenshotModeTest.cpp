@@ -353,5 +353,14 @@ TEST_F(ScreenshotMode, without_a_window_the_process_stops) {
     EXPECT_DEATH(delegate->enableScreenshotMode(), "missing");
 }
 
+TEST_F(ScreenshotMode, a_request_without_a_window_or_a_web_view_stops_the_process) {
+    launchWith("1");
+    const auto window = std::exchange(delegate->window, nullptr);
+    EXPECT_DEATH(request({{"hash", "#/docker"}}), "missing");
+    delegate->window = window;
+    delegate->webView = nullptr;
+    EXPECT_DEATH(request({{"hash", "#/docker"}}), "missing");
+}
+
 } // namespace
 } // namespace harbrook::tests

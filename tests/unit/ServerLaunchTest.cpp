@@ -47,7 +47,7 @@ protected:
 TEST_F(ServerLaunch, asking_for_it_returns_at_once) {
     installServer();
     start();
-    EXPECT_THAT(log().lines(), IsEmpty());
+    EXPECT_THAT(log().lines(), ElementsAre("globalQueue async"));
     EXPECT_THAT(platform->scheduler().runnableWorkers(), ElementsAre("global 1"));
 }
 
@@ -56,10 +56,11 @@ TEST_F(ServerLaunch, the_steps_come_in_this_order) {
     EXPECT_THAT(
         log().lines(),
         ElementsAre(
-            "bundle URLForResource: runtime/node", "files isExecutable: " + std::string(resourceNode),
-            "bundle URLForResource: app/server.js", "files createDirectory: /home/ada/.harbrook/logs",
-            "files createFile: " + std::string(logFile), "files openForWriting: " + std::string(logFile),
-            "file seekToEndOfFile",
+            "globalQueue async", "bundle URLForResource: runtime/node",
+            "files isExecutable: " + std::string(resourceNode), "bundle URLForResource: app/server.js",
+            "files createDirectory: /home/ada/.harbrook/logs", "files createFile: " + std::string(logFile),
+            "files openForWriting: " + std::string(logFile), "file seekToEndOfFile",
+            "pipe setReadabilityHandler",
             "task launch: " + std::string(resourceNode) + " \"" + serverScript + "\""));
 }
 
@@ -318,6 +319,36 @@ TEST_F(ServerLaunch, every_launch_starts_a_server_of_its_own_with_the_same_prefe
         EXPECT_EQ(child->environment->at("HARBROOK_PORT"), "47545");
         EXPECT_EQ(child->environment->at("HARBROOK_PORT_FALLBACK"), "1");
     }
+}
+
+TEST_F(ServerLaunch, a_second_shell_starts_a_second_server_with_the_same_preference_and_a_token_of_its_own) {
+    installServer({.output = {{0.2, "HARBROOK_PORT 47545\n"}}});
+    launch();
+    platform->advance(0.5);
+    const auto otherPlatform = std::make_shared<recording::Platform>();
+    otherPlatform->setRandomBytes(std::deque<std::uint8_t>(32, 0x5a));
+    otherPlatform->files().addExecutable(resourceNode);
+    otherPlatform->files().addFile(serverScript);
+    otherPlatform->processes().programs[resourceNode] = {.output = {{0.2, "HARBROOK_PORT 50001\n"}}};
+    const auto otherGlobals = std::make_shared<Globals>(*otherPlatform);
+    const auto other = std::make_shared<AppDelegate>(otherPlatform, otherGlobals);
+    other->applicationDidFinishLaunching();
+    otherPlatform->advance(0.5);
+
+    ASSERT_EQ(platform->processes().children.size(), 1U);
+    ASSERT_EQ(otherPlatform->processes().children.size(), 1U);
+    const auto& first = *server().environment;
+    const auto& second = *otherPlatform->processes().children.back()->environment;
+    for (const auto* environment : {&first, &second}) {
+        EXPECT_EQ(environment->at("HARBROOK_PORT"), "47545");
+        EXPECT_EQ(environment->at("HARBROOK_PORT_FALLBACK"), "1");
+    }
+    EXPECT_NE(first.at("HARBROOK_TOKEN"), second.at("HARBROOK_TOKEN"));
+    EXPECT_EQ(globals->serverPort(), 47545);
+    EXPECT_EQ(otherGlobals->serverPort(), 50001);
+    other->applicationWillTerminate();
+    EXPECT_TRUE(server().isRunning()) << "it is the other shell's";
+    otherPlatform->shutDown();
 }
 
 TEST_F(ServerLaunch, a_launcher_that_outlives_the_delegate_ends_quietly) {

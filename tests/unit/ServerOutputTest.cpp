@@ -47,6 +47,14 @@ TEST_F(ServerOutputHandler, takes_a_port_once_and_signals_once) {
     EXPECT_EQ(ready->signals, 1);
 }
 
+TEST_F(ServerOutputHandler, keeps_all_of_the_text_after_the_port_is_known_too) {
+    print("one HARBROOK_PORT 475");
+    print("46 two\n");
+    print("half a \xC3");
+    print("three\n");
+    EXPECT_EQ(output.text(), "one HARBROOK_PORT 47546 two\nthree\n");
+}
+
 TEST_F(ServerOutputHandler, signals_nothing_until_there_is_a_port) {
     print("starting\n");
     print("HARBROOK_PORT ");

@@ -89,6 +89,21 @@ TEST(State, unknown_members_are_passed_over) {
         std::string(R"("stats":{"running":0,"postgres":0,"redis":0,"containers":0,"mysql":"many"}})")));
 }
 
+TEST(State, unknown_members_may_have_any_value) {
+    for (const std::string value :
+         {"null", "true", "false", "0", "-1.5e300", "1e999", "123456789012345678901234567890", "\"\"",
+          "\"x\"", "[]", "[[], {}, null]", "{}", R"({"projects":7,"stats":[],"name":null,"running":"no"})"}) {
+        const auto extra = R"("extra":)" + value + ",";
+        const auto state = decodeState(
+            "{" + extra + R"("projects":[{)" + extra +
+            R"("name":"a","path":"b","running":true,"ports":[1]}],)" + R"("stats":{)" + extra +
+            R"("running":0,"postgres":1,"redis":2,"containers":3}})");
+        ASSERT_TRUE(state) << value;
+        EXPECT_EQ(state->projects.at(0).name, "a");
+        EXPECT_EQ(state->stats.containers, 3);
+    }
+}
+
 TEST(State, is_absent_when_a_top_level_member_is_missing_or_wrong) {
     const std::string stats = zeroStats;
     const std::vector<std::string> documents = {
