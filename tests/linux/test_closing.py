@@ -65,15 +65,15 @@ def test_a_start_as_a_new_instance_runs_beside_with_a_server_of_its_own(running)
     assert len(running.switchboard.servers) == 2
 
 
-def test_a_start_in_screenshot_mode_runs_beside_and_takes_no_name(running, bus):
-    own_name = bus.owner("com.brackenforge.harbrook")
+def test_a_start_in_screenshot_mode_runs_beside_and_takes_no_name(running):
+    own_name = running.desktop.bus.owner("com.brackenforge.harbrook")
     data = running.folder / "pictures" / ".harbrook"
     data.mkdir(parents=True)
     mode = {"HARBROOK_SHOTS": "1", "HARBROOK_SHOTS_HOME": "pictures"}
     other = running.start(environment=mode)
     running.switchboard.server(1).wait_for_page()
     assert other.poll() is None
-    assert bus.owner("com.brackenforge.harbrook") == own_name
+    assert running.desktop.bus.owner("com.brackenforge.harbrook") == own_name
     # A relative home counts from the working directory.
     assert (data / "logs" / "server.log").exists()
     assert (data / "shot-window").exists()

@@ -196,6 +196,26 @@ def test_nothing_comes_before_the_first_page_in_its_history(view):
     assert still_there(view)
 
 
+def test_commands_before_the_first_page_leave_nothing_in_its_history(make_shell):
+    shell = make_shell(Plan(answers={"/": {"body": page(), "delay": 4}}))
+    browser = RecordingBrowser(shell.home)
+    shell.start()
+    shell.server.wait_for_request("/")
+    screen = shell.desktop.screen
+    wait_until("the window has the keys", lambda: screen.active_window() == shell.window().number)
+    screen.press("ctrl+2", "ctrl+3", "ctrl+4", "ctrl+comma", "ctrl+1", "ctrl+4")
+    shell.server.wait_for_page()
+    assert shell.server.evaluate("[history.length, location.pathname, location.hash]") == [1, "/", ""]
+    screen.press("alt+Left")
+    shell.server.evaluate("void history.back()")
+    stays("it is the same page", lambda: len(shell.server.requests("/")) == 1, 0.5)
+    assert shell.server.evaluate("location.pathname") == "/"
+    # From now on they are heard.
+    screen.press("ctrl+4")
+    wait_until("the view is shown", lambda: shell.server.evaluate("location.hash") == "#/ports")
+    assert browser.opened == []
+
+
 # New windows
 
 WINDOWS = [
