@@ -91,8 +91,8 @@ TEST(State, unknown_members_are_passed_over) {
 
 TEST(State, unknown_members_may_have_any_value) {
     for (const std::string value :
-         {"null", "true", "false", "0", "-1.5e300", "1e999", "123456789012345678901234567890", "\"\"",
-          "\"x\"", "[]", "[[], {}, null]", "{}", R"({"projects":7,"stats":[],"name":null,"running":"no"})"}) {
+         {"null", "true", "false", "0", "-1.5e300", "123456789012345678901234567890", "\"\"", "\"x\"", "[]",
+          "[[], {}, null]", "{}", R"({"projects":7,"stats":[],"name":null,"running":"no"})"}) {
         const auto extra = R"("extra":)" + value + ",";
         const auto state = decodeState(
             "{" + extra + R"("projects":[{)" + extra +
