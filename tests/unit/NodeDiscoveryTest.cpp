@@ -45,9 +45,9 @@ TEST_F(NodeDiscovery, the_resource_interpreter_comes_first_and_no_shell_is_asked
     shellPrints("/usr/bin/node\n");
     EXPECT_EQ(found(), resourceNode);
     EXPECT_THAT(
-        log().lines(),
-        ElementsAre(
-            "bundle URLForResource: runtime/node", "files isExecutable: " + std::string(resourceNode)));
+        log().lines(), ElementsAre(
+                           "globalQueue async", "bundle URLForResource: runtime/node",
+                           "files isExecutable: " + std::string(resourceNode)));
 }
 
 TEST_F(NodeDiscovery, a_resource_interpreter_without_the_execute_permission_is_skipped) {
@@ -62,10 +62,10 @@ TEST_F(NodeDiscovery, the_login_shell_comes_before_the_fixed_places) {
     shellPrints("/home/ada/.nvm/node\n");
     EXPECT_EQ(found(), "/home/ada/.nvm/node");
     EXPECT_THAT(
-        log().lines(),
-        ElementsAre(
-            "bundle URLForResource: runtime/node", R"(task launch: /bin/zsh "-lc" "command -v node")",
-            "task waitUntilExit", "files isExecutable: /home/ada/.nvm/node"));
+        log().lines(), ElementsAre(
+                           "globalQueue async", "bundle URLForResource: runtime/node",
+                           "pipe setReadabilityHandler", R"(task launch: /bin/zsh "-lc" "command -v node")",
+                           "task waitUntilExit", "files isExecutable: /home/ada/.nvm/node"));
 }
 
 TEST_F(NodeDiscovery, the_shell_gets_the_shells_own_environment_directory_and_input) {
