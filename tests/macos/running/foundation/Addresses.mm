@@ -20,6 +20,12 @@ using namespace harbrook::running;
     return objc_autorelease(made);
 }
 
++ (NSURL*)URLWithDataRepresentation:(NSData*)data relativeToURL:(NSURL*)base {
+    StandInURL* const made = [StandInURL alloc];
+    made->address = bytes(data);
+    return objc_autorelease(made);
+}
+
 + (NSURL*)fileURLWithPath:(NSString*)path {
     StandInURL* const made = [StandInURL alloc];
     made->path = characters(path);

@@ -9,7 +9,7 @@ namespace harbrook::running {
 namespace {
 
 std::optional<URL> urlOf(const Address& address) {
-    return address ? URL::URLWithString(*address) : std::nullopt;
+    return address ? URL::reported(*address) : std::nullopt;
 }
 
 /// A child takes a moment, in which the program goes on.
