@@ -23,6 +23,9 @@ const std::vector<Row>& rows() {
     static const std::vector<Row> all = {
         {"application setDelegate", {"NSApplication setDelegate: HarbrookApplicationDelegate"}},
         {"application run", {"NSApplication run"}},
+        {"application (setWindowsMenu|setHelpMenu): .*", {"NSApplication $1: NSMenu"}},
+        // Whoever opens an application decides that there.
+        {"application setCreatesNewApplicationInstance: .*", {}},
         {"application setMainMenu: .*", {"NSApplication setMainMenu: NSMenu"}},
         {"application orderFrontStandardAboutPanel",
          {"NSApplication orderFrontStandardAboutPanelWithOptions: {NSAboutPanelOptionCredits: *}"}},
@@ -108,6 +111,9 @@ const std::vector<Row>& rows() {
          {"NSBundle URLForResource: \"$2\" withExtension: \"$3\" subdirectory: \"$1\""}},
         {"bundle URLForResource: ([^.]+)\\.(\\w+)",
          {"NSBundle URLForResource: \"$1\" withExtension: \"$2\" subdirectory: nil"}},
+        {"globalQueue async", {}},
+        // Between the messages that the launch of a task is; launch.txt keeps where.
+        {"pipe setReadabilityHandler", {}},
         {"task launch: (\\S+) .*",
          {"NSTask setExecutableURL: file://$1", "NSTask setArguments: *", "NSTask launchAndReturnError: *"}},
         {"task (.*)", {"NSTask $1"}},
