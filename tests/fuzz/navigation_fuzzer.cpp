@@ -89,6 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::require(appended.host() == url->host() && appended.port() == url->port());
 
     // The engine is asked only about what it could have been given: text.
-    if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) compareWithEngine(text, port);
+    if (g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
+        compareWithEngine(text, port);
     return 0;
 }

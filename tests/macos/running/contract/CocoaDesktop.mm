@@ -100,7 +100,9 @@ private:
             const auto found = answers_.find(exchange->address);
             if (found == answers_.end() || !seen_.insert(exchange).second) continue;
             world_.scheduler.addOutsideEvent(found->second.delay, [exchange, answer = found->second] {
-                exchange->answer(answer.status, answer.body);
+                if (answer.ending == Ending::whole) return exchange->answer(answer.status, answer.body);
+                exchange->answerInPart(answer.status, answer.body);
+                if (answer.ending == Ending::cutOff) exchange->fail("The network connection was lost.", {});
             });
         }
         world_.settle();

@@ -16,6 +16,13 @@ struct Exchange {
     bool isOpen = true;
 
     void answer(int status, const std::string& content);
+    /// The head of an HTTP answer and the beginning of its body; the rest fails, or never comes.
+    void answerInPart(int status, const std::string& content) {
+        arrivedStatus = status;
+        if (!content.empty()) arrivedContent = content;
+    }
+    std::optional<int> arrivedStatus = {};
+    std::optional<std::string> arrivedContent = {};
     /// An answer of another protocol than HTTP.
     void answerWithoutStatus(const std::string& content);
     /// The connection breaks; `content` had come by then.

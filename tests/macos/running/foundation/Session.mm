@@ -89,11 +89,19 @@ std::vector<std::shared_ptr<Exchange>>& exchanges() {
 
 namespace harbrook::running {
 
-void Exchange::answer(int status, const std::string& content) {
-    const AutoreleasePool pool;
+namespace {
+
+NSHTTPURLResponse* responseWith(int status) {
     NSHTTPURLResponse* const response = objc_autorelease([NSHTTPURLResponse alloc]);
     give(response, "statusCode", long{status});
-    complete(dataOf(content), response, nil);
+    return response;
+}
+
+} // namespace
+
+void Exchange::answer(int status, const std::string& content) {
+    const AutoreleasePool pool;
+    complete(dataOf(content), responseWith(status), nil);
 }
 
 void Exchange::answerWithoutStatus(const std::string& content) {
@@ -103,7 +111,10 @@ void Exchange::answerWithoutStatus(const std::string& content) {
 
 void Exchange::fail(const std::string& description, const std::optional<std::string>& content) {
     const AutoreleasePool pool;
-    complete(content ? dataOf(*content) : nil, nil, error(description));
+    const auto& arrived = content ? content : arrivedContent;
+    complete(
+        arrived ? dataOf(*arrived) : nil, arrivedStatus ? responseWith(*arrivedStatus) : nil,
+        error(description));
 }
 
 void Exchange::complete(NSData* content, NSURLResponse* response, NSError* error) {
