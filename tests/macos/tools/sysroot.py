@@ -4,8 +4,7 @@ to link.
 
 The C library's headers are musl's and the C++ library is LLVM's, both as Debian packages them; of third-party
 libraries it takes Debian's headers and the symbols Debian's libraries export, and of GoogleTest those of a build
-with LLVM's C++ library. As with Homebrew, ICU is an archive, and uriparser a library that was made for a newer system
-and must not be written to. Nothing linked here ever runs.
+with LLVM's C++ library. ICU comes as archives, as Homebrew has it, too. Nothing linked here ever runs.
 
 usage: sysroot.py DIRECTORY [GOOGLETEST_PREFIX]
 """
@@ -271,12 +270,6 @@ def add_archive(root, path, symbols):
         subprocess.run([LLVM / "bin/llvm-libtool-darwin", "-static", "-o", path, compiled], check=True)
 
 
-def add_library(root, path, symbols):
-    if compile_symbols(root, path, symbols, "-dynamiclib", "-fno-builtin", "-mmacosx-version-min=13.0",
-                       f"-Wl,-install_name,{path}"):
-        path.chmod(0o444)
-
-
 def add_third_party(root):
     prefix = root / "usr/local"
     (prefix / "include").mkdir(parents=True, exist_ok=True)
@@ -284,7 +277,8 @@ def add_third_party(root):
         link = prefix / "include" / name
         if not link.is_symlink():
             link.symlink_to(Path("/usr/include") / name)
-    add_archive(root, prefix / "lib/libicuuc.a", exported_symbols(DEBIAN_LIBRARIES / "libicuuc.so"))
+    for name in ("icuuc", "icudata"):
+        add_archive(root, prefix / f"lib/lib{name}.a", exported_symbols(DEBIAN_LIBRARIES / f"lib{name}.so"))
     shutil.copytree("/usr/share/cmake/nlohmann_json", prefix / "share/cmake/nlohmann_json", dirs_exist_ok=True)
 
 
