@@ -60,6 +60,16 @@ class Bus:
         except GLib.Error:
             return None
 
+    def names_of(self, pid):
+        """The unique names of a process."""
+        bus = "org.freedesktop.DBus"
+        names = [name for name in self.call(bus, "/", bus, "ListNames")[0] if name.startswith(":")]
+
+        def owner(name):
+            return self.call(bus, "/", bus, "GetConnectionUnixProcessID", GLib.Variant("(s)", (name,)))[0]
+
+        return [name for name in names if owner(name) == pid]
+
     def emit(self, path, interface, member, arguments=None, destination=None):
         self.connection.emit_signal(destination, path, interface, member, arguments)
         self.connection.flush_sync(None)

@@ -103,7 +103,10 @@ void Application::leaveSession() {
         window->orderOut();
     if (auto* display = gdk_display_get_default()) gdk_display_flush(display);
     auto* bus = g_application_get_dbus_connection(G_APPLICATION(application_.get()));
-    if (bus) g_dbus_connection_close_sync(bus, nullptr, nullptr);
+    if (!bus) return;
+    // Whoever has asked for the end by the bus still gets an answer.
+    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+    g_dbus_connection_close_sync(bus, nullptr, nullptr);
 }
 
 void Application::terminate() {
