@@ -42,7 +42,7 @@ MISTAKES = [
             "return NSWindowDidResizeNotification;", LAUNCH,
             r"and was told: .*NSWindowDidResizeNotification"),
     Mistake("an early return", "Application.mm", "    application_.mainMenu =", "    if (menu.items.size() > 2) return;\n    application_.mainMenu =",
-            LAUNCH, r"must be told: NSApplication setMainMenu: NSMenu"),
+            LAUNCH, r"must be told: NSApplication setWindowsMenu: NSMenu"),
     Mistake("the wrong queue", "Notifications.mm", "queue == ObserverQueue::mainQueue", "queue == ObserverQueue::none", LAUNCH,
             r"was told: .*NSViewFrameDidChangeNotification.* queue: NSOperationQueue"),
     Mistake("a boolean taken for a number", "Conversions.mm",

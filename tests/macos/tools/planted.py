@@ -132,7 +132,7 @@ NAMED = [
 # What installing must not leave out: parts of the script that CMake has made of packaging/macos/CMakeLists.txt.
 INSTALLED = [
     Mistake("a table of symbols that names the build folder", "", " -S ", " --no-strip-all ", "holds the path of the build"),
-    Mistake("code that is changed and not signed", "", "packaging/macos/sign", "packaging/macos/../../script/lib/common.bash",
+    Mistake("code that is changed and not signed", "", "packaging/macos/sign", "packaging/macos/sign --help",
             "Harbrook was not signed after it was changed"),
 ]
 
