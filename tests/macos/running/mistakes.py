@@ -76,6 +76,9 @@ MISTAKES = [
             LAUNCH, r"heap-use-after-free"),
     Mistake("a timer that goes on", "Dispatch.mm", "Timer::~Timer() {\n    [timer_ invalidate];", "Timer::~Timer() {\n    (void)(__bridge_retained void*)timer_;",
             LAUNCH, r"NSTimer#1 is still there"),
+    Mistake("an observer left behind", "Notifications.mm", "                    object:object\n                     queue:native",
+            "                    object:[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 1, 1)]\n                     queue:native",
+            LAUNCH, r"observers are left behind by what they observed"),
     # Completions.
     Mistake("a completion called twice", "WebDelegates.mm", "            decisionHandler(static_cast<WKNavigationActionPolicy>(policy));",
             "            decisionHandler(static_cast<WKNavigationActionPolicy>(policy));\n            decisionHandler(WKNavigationActionPolicyAllow);",

@@ -8,8 +8,6 @@
 
 using namespace harbrook::running;
 
-extern "C" bool standInResponds(id object, SEL selector);
-
 @interface StandInApplication : NSApplication {
 @public
     Kept<NSEvent*> event;

@@ -2,8 +2,6 @@
 
 using namespace harbrook::running;
 
-extern "C" SEL standInSelectorNamed(const char* name);
-
 @implementation NSMenu
 
 + (instancetype)alloc {

@@ -40,8 +40,6 @@ bool writeFile(const std::filesystem::path& place, std::string_view content);
 void post(NSString* name, id object);
 /// Another program posts a notification; it comes with the main queue.
 void postFromOutside(NSString* name, NSDictionary* userInfo);
-/// How many observers there are whose object has gone.
-[[nodiscard]] int observersLeftBehind();
 void forgetObservers();
 
 } // namespace harbrook::running

@@ -4,8 +4,6 @@
 
 using namespace harbrook::running;
 
-extern "C" bool standInResponds(id object, SEL selector);
-
 @interface StandInInvocation : NSInvocation {
 @public
     SEL selector;

@@ -1,3 +1,4 @@
+#include "tests/macos/running/Surroundings.h"
 #include "tests/macos/running/foundation/Foundation.h"
 
 using namespace harbrook::running;

@@ -8,7 +8,6 @@ namespace harbrook::running {
 /// What the program said to the platform, and what the platform told the program's delegates, in order.
 class MessageLog {
 public:
-    /// `depth` calls of delegates stand around the message.
     void note(std::string line) { lines_.push_back(std::move(line)); }
     [[nodiscard]] const std::vector<std::string>& lines() const { return lines_; }
     void clear() { lines_.clear(); }

@@ -47,7 +47,10 @@ void Machine::waitForPage() {
 }
 
 void Machine::run(const std::function<void()>& user) {
-    world.user = user;
+    world.user = [&user] {
+        user();
+        EXPECT_EQ(observersLeftBehind(), 0) << "observers are left behind by what they observed";
+    };
     {
         const AutoreleasePool pool;
         char name[] = "Harbrook";
