@@ -5,7 +5,15 @@ set(HARBROOK_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= 
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+  # What a precompiled header defines does not hide from the cache that something else was compiled.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+endif()
+if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Headers are included as they stand, so that one that is missing is missed there.
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+elseif(NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
+  # The cache reads which precompiled header was used.
+  add_compile_options(-fpch-preprocess)
 endif()
 
 # Homebrew's libraries need the system that they were made on. Linked in, they bring nothing of that along.
@@ -22,9 +30,11 @@ if(HARBROOK_SANITIZE)
   target_link_options(harbrook_options INTERFACE -fsanitize=${HARBROOK_SANITIZE})
 endif()
 
-# What Debian hardens its own programs with. The sanitizers bring their own checks of the same functions.
+# What Debian hardens its own programs with, and what the program is made of. The sanitizers bring their own checks of the
+# same functions.
+add_library(harbrook_hardening INTERFACE)
 if(NOT APPLE AND NOT HARBROOK_SANITIZE AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
-  target_compile_options(harbrook_options INTERFACE
+  target_compile_options(harbrook_hardening INTERFACE
     -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection)
-  target_link_options(harbrook_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+  target_link_options(harbrook_hardening INTERFACE -Wl,-z,relro -Wl,-z,now)
 endif()

@@ -158,7 +158,6 @@ TEST_F(ChildOutput, a_full_disk_is_borne_in_silence) {
 }
 
 TEST(ProcessEnd, does_not_wait_for_workers_and_survives_them) {
-    testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {
             auto& platform = gtkPlatform();

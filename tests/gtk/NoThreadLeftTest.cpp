@@ -62,7 +62,6 @@ protected:
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         GTEST_SKIP() << "the sanitizers need memory all the time";
 #endif
-        testing::FLAGS_gtest_death_test_style = "threadsafe";
     }
 };
 

@@ -49,6 +49,8 @@ private:
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    // Re-executed rather than forked: there may be threads of tests that ran before.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const PrivateSession session;
     return RUN_ALL_TESTS();
 }
