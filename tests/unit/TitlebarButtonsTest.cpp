@@ -1,5 +1,7 @@
 #include "tests/unit/ShellTest.h"
 
+#include <algorithm>
+
 namespace harbrook::tests {
 namespace {
 
@@ -41,6 +43,11 @@ protected:
         window().layOutTitlebar();
         log().clear();
     }
+    /// How many views have been moved since the last time.
+    std::int64_t viewChanges() {
+        return std::ranges::count_if(
+            log().take(), [](const auto& line) { return line.find("setFrame") != std::string::npos; });
+    }
     void expectInPlace() {
         const double height = window().frame().size.height;
         const double width = window().frame().size.width;
@@ -52,6 +59,17 @@ protected:
         "titlebarContainer setFrame: (0, 808) 1320 x 52", "closeButton setFrameOrigin: (20, 10)",
         "miniaturizeButton setFrameOrigin: (40, 10)", "zoomButton setFrameOrigin: (60, 10)"};
 };
+
+TEST_F(TitlebarButtons, a_step_of_a_live_resize_moves_each_view_once_and_none_that_is_in_place) {
+    build();
+    for (double height = 700; height < 720; ++height) {
+        window().simulateResize({1320, height});
+        EXPECT_LE(viewChanges(), 4);
+        delegate->placeTrafficLights();
+        EXPECT_EQ(viewChanges(), 0);
+        expectInPlace();
+    }
+}
 
 TEST_F(TitlebarButtons, the_measures_are_52_34_and_20) {
     EXPECT_EQ(AppDelegate::lightsRow, 52);
