@@ -28,7 +28,7 @@ for (const [title, files, { at, starts, ...expected }] of LAYOUTS) {
     assert.equal(project.problem, undefined);
   });
 
-  const missing = starts && !isInstalled(starts.tool) && `${starts.tool} is not installed`;
+  const missing = starts && !isInstalled(starts.tool) && `this machine has no ${starts.tool}`;
   if (starts) {
     test(`${title} starts by its command`, { skip: missing }, async (t) => {
       const { home, path, project } = await lay(t, files, at);

@@ -123,7 +123,7 @@ test('why a manifest says nothing is told as it is', async (t) => {
 
 test(
   'a manifest that may not be read is told so',
-  { skip: process.getuid() === 0 && 'root may read everything' },
+  { skip: process.getuid() === 0 && 'needs a user who may not read everything' },
   async (t) => {
     const folder = await folderWith(t, { 'package.json': '{}' });
     await chmod(join(folder, 'package.json'), 0);

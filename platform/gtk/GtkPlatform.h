@@ -61,7 +61,10 @@ public:
 
 private:
     /// Made when it is first asked for.
-    Application& application() { return application_ ? *application_ : application_.emplace(start_); }
+    Application& application() {
+        return application_ ? *application_
+                            : application_.emplace(start_, [this] { return statusBar_.showsItem(); });
+    }
 
     Start start_;
     std::thread::id mainThread_ = std::this_thread::get_id();

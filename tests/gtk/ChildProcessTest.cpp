@@ -207,7 +207,8 @@ TEST_F(ChildProcess, two_hundred_in_turn_leave_nothing_open) {
     const auto before = openDescriptors();
     for (int i = 0; i < 200; ++i)
         ASSERT_EQ(outputOf(shell("echo x")), "x\n");
-    EXPECT_EQ(openDescriptors(), before);
+    // What other tests have had open may close meanwhile.
+    EXPECT_LE(openDescriptors(), before);
 }
 
 } // namespace

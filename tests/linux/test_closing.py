@@ -1,6 +1,12 @@
 """Closing hides; a second start shows the window again."""
 
-from harness.waiting import wait_until
+from types import SimpleNamespace
+
+import pytest
+from gi.repository import GLib
+
+from harness.bus import Bus
+from harness.waiting import stays, wait_until
 
 
 def test_closing_hides_the_window_and_leaves_server_and_page_alone(running):
@@ -88,3 +94,74 @@ def test_without_a_session_bus_each_start_is_a_shell_of_its_own(make_desktop, ma
     for program in shell.programs:
         program.terminate()
         assert program.wait(20) == 0
+
+
+# Where no panel shows the status item
+
+NOTIFICATIONS = "org.freedesktop.Notifications"
+NOTIFICATIONS_PATH = "/org/freedesktop/Notifications"
+NOTIFICATIONS_DESCRIPTION = f"""
+<node>
+  <interface name="{NOTIFICATIONS}">
+    <method name="Notify">
+      <arg type="s" direction="in"/><arg type="u" direction="in"/><arg type="s" direction="in"/>
+      <arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="as" direction="in"/>
+      <arg type="a{{sv}}" direction="in"/><arg type="i" direction="in"/>
+      <arg type="u" direction="out"/>
+    </method>
+    <method name="CloseNotification"><arg type="u" direction="in"/></method>
+  </interface>
+</node>"""
+
+
+@pytest.fixture
+def notices(desktop):
+    """What the desktop is asked to tell the user: titles, texts, and the actions with their labels."""
+    bus, told = Bus(desktop.bus.address), []
+
+    def answer(method, arguments):
+        if method != "Notify":
+            return None
+        title, text, actions = arguments[3:6]
+        told.append((title, text, dict(zip(actions[::2], actions[1::2], strict=True))))
+        return GLib.Variant("(u)", (len(told),))
+
+    bus.export(NOTIFICATIONS_PATH, NOTIFICATIONS_DESCRIPTION, answer)
+    bus.take_name(NOTIFICATIONS)
+    yield SimpleNamespace(told=told, bus=bus)
+    bus.close()
+
+
+def close_window(shell):
+    shell.window().close()
+    shell.wait_until_hidden()
+
+
+def test_without_a_panel_the_first_close_says_that_the_program_still_runs(make_shell, desktop, notices):
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    close_window(shell)
+    [(title, text, actions)] = wait_until("the user is told", lambda: notices.told)
+    assert (title, text) == ("Harbrook is still running", "Start it again to bring its window back.")
+    [quit_action] = [action for action, label in actions.items() if label == "Quit"]
+
+    # Once is enough.
+    assert shell.start().wait(20) == 0
+    close_window(shell)
+    stays("nothing more is told", lambda: len(notices.told) == 1, 1)
+
+    program = shell.programs[0]
+    chosen = GLib.Variant("(us)", (1, quit_action))
+    notices.bus.emit(NOTIFICATIONS_PATH, NOTIFICATIONS, "ActionInvoked", chosen)
+    assert program.wait(20) == 0
+
+
+def test_with_a_panel_closing_says_nothing(make_shell, desktop, watcher, notices):
+    watcher.arrive()
+    shell = make_shell(desktop=desktop)
+    shell.start()
+    shell.server.wait_for_page()
+    watcher.item()
+    close_window(shell)
+    stays("nothing is told", lambda: not notices.told, 1)

@@ -68,10 +68,10 @@ def test_the_launcher_brings_a_closed_window_back_and_starts_nothing_again(insta
     assert len(installed.switchboard.servers) == 1
 
 
-def test_the_entry_offers_the_views(installed):
+def test_the_entry_offers_the_views_and_the_end(installed):
     run(installed, "gapplication", "launch", ID)
     listed = run(installed, "gapplication", "list-actions", ID, stdout=subprocess.PIPE, text=True)
-    assert listed.stdout.split() == list(VIEWS)
+    assert listed.stdout.split() == [*VIEWS, "terminate"]
 
 
 @pytest.mark.parametrize("action", VIEWS)

@@ -16,6 +16,8 @@ namespace harbrook::gtk {
 
 namespace {
 
+constexpr auto stillRunsNotice = "still-runs";
+
 void addOwnIcons() {
     gtk_icon_theme_add_search_path(
         gtk_icon_theme_get_for_display(gdk_display_get_default()), iconDirectory().c_str());
@@ -23,7 +25,8 @@ void addOwnIcons() {
 
 } // namespace
 
-Application::Application(Start start) : awaitsMessage_(start.by == StartedBy::bus) {
+Application::Application(Start start, std::function<bool()> isInPanel)
+    : isInPanel_(std::move(isInPanel)), awaitsMessage_(start.by == StartedBy::bus) {
     // Window managers match a window with its launcher by this name.
     g_set_prgname(applicationIdentifier);
     g_set_application_name(applicationName);
@@ -80,6 +83,7 @@ void Application::didActivate() {
     // The first activation is the start itself.
     if (!std::exchange(hasActivated_, true)) return;
     awaitsMessage_ = false;
+    g_application_withdraw_notification(G_APPLICATION(application_.get()), stillRunsNotice);
     const auto delegate = delegate_.lock();
     if (!delegate) return;
     const bool hasVisibleWindows =
@@ -210,7 +214,19 @@ void Application::windowTitleDidChange() {
 void Application::windowDidClose() {
     if (std::ranges::any_of(windows(), [](const auto& window) { return window->isVisible(); })) return;
     const auto delegate = delegate_.lock();
-    if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) terminate();
+    if (delegate && delegate->applicationShouldTerminateAfterLastWindowClosed()) {
+        terminate();
+    } else {
+        sayThatItStillRuns();
+    }
+}
+
+void Application::sayThatItStillRuns() {
+    if (isInPanel_() || std::exchange(hasSaidThatItRuns_, true)) return;
+    const auto notice = GObjectPtr<GNotification>::adopt(g_notification_new("Harbrook is still running"));
+    g_notification_set_body(notice.get(), "Start it again to bring its window back.");
+    g_notification_add_button(notice.get(), "Quit", "app.terminate");
+    g_application_send_notification(G_APPLICATION(application_.get()), stillRunsNotice, notice.get());
 }
 
 std::vector<std::shared_ptr<Window>> Application::windows() const {

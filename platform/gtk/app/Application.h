@@ -9,6 +9,7 @@
 
 #include <gtk/gtk.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -25,7 +26,7 @@ class Application final : public harbrook::Application {
 public:
     /// Looks whether the session bus answers, and lets this process do without it if it does not. To be made
     /// before the process has other threads.
-    explicit Application(Start start);
+    Application(Start start, std::function<bool()> isInPanel);
 
     void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override;
     /// There is one policy: an application with windows, menus and a launcher entry.
@@ -58,6 +59,8 @@ private:
     void didActivate();
     void willEnd();
     void leaveSession();
+    /// Once, where no panel shows that the program still runs without a window, or offers to end it.
+    void sayThatItStillRuns();
     bool performStandardAction(std::string_view selector);
     void performDelegateAction(const MenuItem& item);
     [[nodiscard]] std::vector<std::shared_ptr<Window>> windows() const;
@@ -69,6 +72,8 @@ private:
     GObjectPtr<GtkWindow> aboutPanel_;
     /// Only until the toolkit has started.
     std::optional<PortalBypass> portalBypass_;
+    std::function<bool()> isInPanel_;
+    bool hasSaidThatItRuns_ = false;
     bool hasActivated_ = false;
     /// The message that the bus has started the program for has not come yet.
     bool awaitsMessage_;

@@ -13,8 +13,12 @@ public:
 
     std::shared_ptr<harbrook::StatusItem> statusItemWithLength(double length) override;
 
+    /// Whether an item is where the user can see it.
+    [[nodiscard]] bool showsItem() const;
+
 private:
     StatusItem::Perform performAction_;
+    std::weak_ptr<const StatusItem> item_;
 };
 
 } // namespace harbrook::gtk

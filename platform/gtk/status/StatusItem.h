@@ -42,6 +42,8 @@ public:
 
     /// Puts the item into the panel, as soon as there is one.
     void appear();
+    /// Whether there is a panel to see it in.
+    [[nodiscard]] bool hasPanel() const { return notifier_->hasWatcher(); }
     std::shared_ptr<harbrook::StatusBarButton> button() override { return button_; }
     void setMenu(const Menu& menu, std::weak_ptr<MenuDelegate> delegate) override {
         menu_.setMenu(menu, std::move(delegate));

@@ -101,6 +101,7 @@ void StatusNotifier::exportOn(GObjectPtr<GDBusConnection> connection, const std:
 }
 
 void StatusNotifier::watcherAppeared(const std::string& owner) {
+    hasWatcher_ = true;
     retries_ = 0;
     g_dbus_connection_call(
         object_->connection(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
@@ -110,6 +111,7 @@ void StatusNotifier::watcherAppeared(const std::string& owner) {
 }
 
 void StatusNotifier::watcherVanished() {
+    hasWatcher_ = false;
     if (retry_ != 0) g_source_remove(std::exchange(retry_, 0));
     handlers_.hostsLeft();
 }

@@ -37,6 +37,8 @@ public:
 
     /// Begins to watch for watchers. `menuPath` is where the item's menu is on the same connection.
     void exportOn(GObjectPtr<GDBusConnection> connection, const std::string& menuPath);
+    /// Whether there is a watcher, and with it a panel that may show the item.
+    [[nodiscard]] bool hasWatcher() const { return hasWatcher_; }
     /// Shows `content`; what is equal to what is shown already goes unmentioned.
     void setContent(StatusContent content);
 
@@ -57,6 +59,7 @@ private:
     StatusContent content_;
     std::string menuPath_;
     std::unique_ptr<DBusObject> object_;
+    bool hasWatcher_ = false;
     /// The watcher's host knows icons by name only.
     bool wantsNames_ = false;
     guint watch_ = 0;
