@@ -145,7 +145,7 @@ class Panel:
 
 
 # The least width and height.
-MENU, SUBMENU = (120, 100), (60, 30)
+MENU, SUBMENU = (120, 100), (60, 18)
 
 
 def popups(screen, least=MENU):

@@ -33,6 +33,8 @@ PrivateDisplay::PrivateDisplay() {
     number.pop_back();
     unsetenv("WAYLAND_DISPLAY");
     setenv("GDK_BACKEND", "x11", 1);
+    // What is drawn is not looked at here, and some drivers lose memory at the end of a process.
+    setenv("GDK_DEBUG", "gl-disable", 1);
     setenv("DISPLAY", (":" + number).c_str(), 1);
     if (!gtk_init_check()) throw std::runtime_error("the toolkit does not start on the virtual display");
 }
