@@ -191,12 +191,6 @@ BREAKS = [
         {"LoadTrackerTest.cpp::the_warm_up_is_nobodys_business": "isWarmUpDecision"},
     ),
     Break(
-        "The blank document",
-        "commands reach the blank document",
-        [(VIEW, "if (!loads_.hasPage()) return answer", "if (false) return answer")],
-        {"test_navigation.py::test_commands_before_the_first_page_leave_nothing_in_its_history": r"== \[1, '/', ''\]"},
-    ),
-    Break(
         "It is there before",
         "the token comes after the page's scripts",
         [(WINDOW, "UserScriptInjectionTime::atDocumentStart", "UserScriptInjectionTime::atDocumentEnd")],
