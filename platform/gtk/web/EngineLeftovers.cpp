@@ -53,7 +53,7 @@ void removeEngineLeftovers(const fs::path& runtimeFolder) {
     std::error_code ignored;
     const auto starts = runtimeFolder / "harbrook";
     fs::create_directory(starts, ignored);
-    std::ofstream(starts / std::to_string(getpid()));
+    const std::ofstream mark(starts / std::to_string(getpid()));
 
     std::set<std::string, std::less<>> gone;
     for (const auto& start : entriesOf(starts)) {

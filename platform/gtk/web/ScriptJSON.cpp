@@ -45,7 +45,7 @@ Value valueFromJSON(const json& node) {
 /// no Unicode text. It becomes the replacement character. (Whole pairs are never escaped.)
 void replaceLoneSurrogates(std::string& text) {
     constexpr std::size_t escape = 6;
-    for (auto at = text.find('\\'); at != text.npos; at = text.find('\\', at + 2)) {
+    for (auto at = text.find('\\'); at != std::string::npos; at = text.find('\\', at + 2)) {
         const bool surrogate =
             at + escape <= text.size() && text[at + 1] == 'u' && text[at + 2] == 'd' && text[at + 3] >= '8';
         if (surrogate) text.replace(at, escape, "\\ufffd");
