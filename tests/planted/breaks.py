@@ -186,6 +186,12 @@ BREAKS = [
     ),
     Break(
         "The blank document",
+        "commands reach the blank document",
+        [(VIEW, "if (!loads_.hasPage()) return answer", "if (false) return answer")],
+        {"BlankDocumentTest.cpp::runs_no_script_of_the_shells": "sum.has_value"},
+    ),
+    Break(
+        "The blank document",
         "the blank document is decided on",
         [(TRACKER, "return warmingUp_ && isBlank(address);", "return false && isBlank(address);")],
         {"LoadTrackerTest.cpp::the_warm_up_is_nobodys_business": "isWarmUpDecision"},
