@@ -6,7 +6,7 @@ import pytest
 GOOGLE = """
 1: [==========] Running 3 tests from 1 test suite.
 1: [ RUN      ] Views.move
-1: /work/ViewContract.cpp:22: Skipped
+1: /src/ViewContract.cpp:22: Skipped
 1: GLib's threads are unknown to the thread sanitizer
 1: [  SKIPPED ] Views.move (0 ms)
 1: [ RUN      ] Views.stay

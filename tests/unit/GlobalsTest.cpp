@@ -54,12 +54,12 @@ TEST_F(GlobalsAtStart, the_screenshot_home_takes_the_place_of_the_home_directory
 }
 
 TEST_F(GlobalsAtStart, a_screenshot_home_is_taken_against_the_working_directory) {
-    platform->files().setCurrentDirectory("/work/here");
+    platform->files().setCurrentDirectory("/some/where");
     setVariable("HARBROOK_SHOTS", "1");
     for (const auto& [home, expected] : std::map<std::string, std::string>{
-             {"shots", "/work/here/shots/.harbrook"},
-             {"./a/b", "/work/here/./a/b/.harbrook"},
-             {"", "/work/here/.harbrook"},
+             {"shots", "/some/where/shots/.harbrook"},
+             {"./a/b", "/some/where/./a/b/.harbrook"},
+             {"", "/some/where/.harbrook"},
              {"/tmp/shots", "/tmp/shots/.harbrook"}}) {
         setVariable("HARBROOK_SHOTS_HOME", home);
         EXPECT_EQ(dataDir(), expected);
